@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tfcore/tfhostglobal.h"
+
+#include <QColor>
+
+// Colours of the current skin that are not in style sheets.
+class TFHOST_EXPORT TFGlobalCss
+{
+public:
+    // 0: tip background, 1: selection background, 2: selection text.
+    static QColor getTipsColorByIndex(int index);
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tfcore/itfabstractpage.h"
+#include "tfcore/itfmemory.h"
+#include "tfcore/itfnavigation.h"
+#include "tfcore/tfhostglobal.h"
+
+#include <QWebEngineView>
+
+// The host's web page in a tab or in a stack: init() and refresh() load a URL.
+class TFHOST_EXPORT TFWebView : public QWebEngineView,
+                                public ITFAbstractPage,
+                                public ITFNavigation,
+                                public ITFMemory
+{
+    Q_OBJECT
+public:
+    explicit TFWebView(QWidget *parent = nullptr);
+    ~TFWebView() override;
+
+    QWidget *getWidget() override { return this; }
+    void init(const QUrl &url, QVariant arg) override;
+    void refresh(const QUrl &url, QVariant arg) override;
+
+    bool hasBack() override;
+    void goBack() override;
+    bool hasForward() override;
+    void goForward() override;
+    void stop() override;
+
+    void save(QMap<QString, QVariant> &state) override;
+    void restore(const QMap<QString, QVariant> &state) override;
+};
