@@ -1,0 +1,8 @@
+#include "tfbasejsontable.h"
+
+TFBaseJsonTable::TFBaseJsonTable(QObject* parent)
+    : QObject(parent)
+{
+}
+
+TFBaseJsonTable::~TFBaseJsonTable() = default;
