@@ -1,0 +1,169 @@
+#include "commandline.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+namespace {
+
+struct Parser
+{
+    Parser()
+    {
+        parser.setApplicationDescription(QStringLiteral(
+            "Shows the pages of the terminal's plug-ins in tabs. Without --service the\n"
+            "reference data service runs in-process on 127.0.0.1."));
+        parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+        parser.addPositionalArgument(QStringLiteral("page-url"),
+                                     QStringLiteral("A view: URL to open; default the plug-in's Url metadata."),
+                                     QStringLiteral("[page-url]"));
+        parser.addOptions({
+            {QStringLiteral("service"), QStringLiteral("Base address of the data service."), QStringLiteral("URL")},
+            {QStringLiteral("token"), QStringLiteral("Access token sent as kvt-token (default empty)."), QStringLiteral("TEXT")},
+            {QStringLiteral("user"), QStringLiteral("User identifier (default \"demo\")."), QStringLiteral("TEXT")},
+            {QStringLiteral("product"), QStringLiteral("Product identifier (default \"subject\")."), QStringLiteral("TEXT")},
+            {QStringLiteral("skin"), QStringLiteral("white or black (default white)."), QStringLiteral("white|black")},
+            {QStringLiteral("size"), QStringLiteral("Window size (default 1600x900)."), QStringLiteral("WxH")},
+            {QStringLiteral("log"), QStringLiteral("Write every log line, with file, line and function, to FILE."), QStringLiteral("FILE")},
+            {QStringLiteral("screenshot"), QStringLiteral("Save a picture of the window once the page has settled, then exit 0;\n"
+                                                          "exit 4 if it has not settled within 60 s."), QStringLiteral("FILE.png")},
+            {QStringLiteral("settle-ms"), QStringLiteral("Quiet time without requests that counts as settled (default 1500)."), QStringLiteral("N")},
+            {QStringLiteral("screen"), QStringLiteral("Open a composite screen of components (not yet supported)."), QStringLiteral("FILE.json")},
+            {QStringLiteral("plugins"), QStringLiteral("Folder of plug-ins (default plugins/ beside the binary)."), QStringLiteral("DIR")},
+        });
+        helpOption = parser.addHelpOption();
+    }
+
+    QCommandLineParser parser;
+    QCommandLineOption helpOption{QStringLiteral("help")};
+};
+
+CommandLine::Result failure(const QString &message)
+{
+    CommandLine::Result result;
+    result.outcome = CommandLine::Error;
+    result.message = message;
+    result.exitCode = 2;
+    return result;
+}
+
+bool readInt(const QString &text, int minimum, int maximum, int *value)
+{
+    static const QRegularExpression digits(QStringLiteral("^\\d{1,9}$"));
+    if (!digits.match(text).hasMatch())
+        return false;
+    *value = text.toInt();
+    return *value >= minimum && *value <= maximum;
+}
+
+} // namespace
+
+QString CommandLine::helpText()
+{
+    Parser p;
+    QString text = p.parser.helpText();
+    text += QStringLiteral("\nExit status: 0 done, 2 bad arguments, 3 a plug-in or its page did not load,\n"
+                           "4 the page did not settle in time for --screenshot.\n");
+    return text;
+}
+
+CommandLine::Result CommandLine::parse(const QStringList &arguments)
+{
+    Parser p;
+    QCommandLineParser &parser = p.parser;
+    if (!parser.parse(arguments))
+        return failure(parser.errorText());
+
+    if (parser.isSet(p.helpOption)) {
+        Result help;
+        help.outcome = ShowHelp;
+        help.message = helpText();
+        help.exitCode = 0;
+        return help;
+    }
+
+    Result result;
+    result.outcome = Run;
+    result.exitCode = 0;
+    TerminalOptions &options = result.options;
+
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1)
+        return failure(QStringLiteral("only one page-url may be given, got %1").arg(positional.size()));
+    if (positional.size() == 1) {
+        const QUrl url(positional.first(), QUrl::StrictMode);
+        if (!url.isValid() || url.scheme().compare(QLatin1String("view"), Qt::CaseInsensitive) != 0)
+            return failure(QStringLiteral("page-url must be a view: URL, got \"%1\"").arg(positional.first()));
+        options.pageUrl = url;
+    }
+
+    if (parser.isSet(QStringLiteral("service"))) {
+        const QString text = parser.value(QStringLiteral("service"));
+        const QUrl url(text, QUrl::StrictMode);
+        const QString scheme = url.scheme().toLower();
+        if (!url.isValid() || (scheme != QLatin1String("http") && scheme != QLatin1String("https"))
+            || url.host().isEmpty())
+            return failure(QStringLiteral("--service needs an http or https URL, got \"%1\"").arg(text));
+        options.serviceUrl = url;
+    }
+
+    if (parser.isSet(QStringLiteral("token")))
+        options.token = parser.value(QStringLiteral("token"));
+    if (parser.isSet(QStringLiteral("user")))
+        options.user = parser.value(QStringLiteral("user"));
+    if (parser.isSet(QStringLiteral("product")))
+        options.product = parser.value(QStringLiteral("product"));
+
+    if (parser.isSet(QStringLiteral("skin"))) {
+        const QString skin = parser.value(QStringLiteral("skin"));
+        if (skin != QLatin1String("white") && skin != QLatin1String("black"))
+            return failure(QStringLiteral("--skin must be white or black, got \"%1\"").arg(skin));
+        options.skin = skin;
+    }
+
+    if (parser.isSet(QStringLiteral("size"))) {
+        const QString text = parser.value(QStringLiteral("size"));
+        static const QRegularExpression pattern(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
+        const QRegularExpressionMatch match = pattern.match(text);
+        int width = 0;
+        int height = 0;
+        if (!match.hasMatch() || !readInt(match.captured(1), 100, 16384, &width)
+            || !readInt(match.captured(2), 100, 16384, &height))
+            return failure(QStringLiteral("--size must be WxH with each side from 100 to 16384, got \"%1\"").arg(text));
+        options.size = QSize(width, height);
+    }
+
+    if (parser.isSet(QStringLiteral("log"))) {
+        options.logFile = parser.value(QStringLiteral("log"));
+        if (options.logFile.isEmpty())
+            return failure(QStringLiteral("--log needs a file name"));
+    }
+
+    if (parser.isSet(QStringLiteral("screenshot"))) {
+        options.screenshotFile = parser.value(QStringLiteral("screenshot"));
+        if (!options.screenshotFile.endsWith(QLatin1String(".png"), Qt::CaseInsensitive)
+            || options.screenshotFile.size() <= 4)
+            return failure(QStringLiteral("--screenshot needs a .png file name, got \"%1\"").arg(options.screenshotFile));
+    }
+
+    if (parser.isSet(QStringLiteral("settle-ms"))) {
+        const QString text = parser.value(QStringLiteral("settle-ms"));
+        if (!readInt(text, 0, 60000, &options.settleMs))
+            return failure(QStringLiteral("--settle-ms must be a whole number from 0 to 60000, got \"%1\"").arg(text));
+        if (options.screenshotFile.isEmpty())
+            return failure(QStringLiteral("--settle-ms only makes sense with --screenshot"));
+    }
+
+    if (parser.isSet(QStringLiteral("screen"))) {
+        options.screenFile = parser.value(QStringLiteral("screen"));
+        if (options.screenFile.isEmpty())
+            return failure(QStringLiteral("--screen needs a file name"));
+    }
+
+    if (parser.isSet(QStringLiteral("plugins"))) {
+        options.pluginDirectory = parser.value(QStringLiteral("plugins"));
+        if (options.pluginDirectory.isEmpty())
+            return failure(QStringLiteral("--plugins needs a folder"));
+    }
+
+    return result;
+}

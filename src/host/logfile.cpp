@@ -1,0 +1,88 @@
+#include "logfile.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QThread>
+
+#include <cstdio>
+
+namespace {
+
+QMutex logMutex;
+QFile *logFile = nullptr;
+QtMessageHandler previousHandler = nullptr;
+
+const char *levelName(QtMsgType type)
+{
+    switch (type) {
+    case QtDebugMsg: return "debug";
+    case QtInfoMsg: return "info";
+    case QtWarningMsg: return "warning";
+    case QtCriticalMsg: return "critical";
+    case QtFatalMsg: return "fatal";
+    }
+    return "?";
+}
+
+void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const QByteArray line = LogFile::formatLine(type, context, message).toUtf8() + '\n';
+    {
+        QMutexLocker locker(&logMutex);
+        if (logFile) {
+            logFile->write(line);
+            logFile->flush();
+        }
+    }
+    if (type != QtDebugMsg && type != QtInfoMsg) {
+        std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+        std::fflush(stderr);
+    }
+    if (type == QtFatalMsg)
+        std::abort();
+}
+
+} // namespace
+
+QString LogFile::formatLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    return QStringLiteral("%1 [%2] %3:%4 %5 (thread %6): %7")
+            .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz")),
+                 QLatin1String(levelName(type)),
+                 QString::fromUtf8(context.file ? context.file : "?"),
+                 QString::number(context.line),
+                 QString::fromUtf8(context.function ? context.function : "?"),
+                 QString::number(quintptr(QThread::currentThreadId()), 16),
+                 message);
+}
+
+bool LogFile::install(const QString &fileName, QString *error)
+{
+    auto *file = new QFile(fileName);
+    if (!file->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
+        if (error)
+            *error = QStringLiteral("cannot open log file \"%1\": %2").arg(fileName, file->errorString());
+        delete file;
+        return false;
+    }
+    {
+        QMutexLocker locker(&logMutex);
+        delete logFile;
+        logFile = file;
+    }
+    QtMessageHandler old = qInstallMessageHandler(writeLine);
+    if (old != writeLine)
+        previousHandler = old;
+    return true;
+}
+
+void LogFile::uninstall()
+{
+    qInstallMessageHandler(previousHandler);
+    previousHandler = nullptr;
+    QMutexLocker locker(&logMutex);
+    delete logFile;
+    logFile = nullptr;
+}

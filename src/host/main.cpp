@@ -1,0 +1,134 @@
+// subject-terminal: loads the plug-ins beside it and shows their pages in tabs.
+
+#include "commandline.h"
+#include "embeddedservice.h"
+#include "logfile.h"
+#include "pluginloader.h"
+#include "screenshotter.h"
+#include "terminalwindow.h"
+
+#include "tfcore/tfappconfig.h"
+#include "tfcore/tfcore.h"
+#include "tfcore/tfserviceconfig.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+enum ExitCode { Done = 0, Failed = 1, BadArguments = 2, PluginFailed = 3 };
+
+int complain(const QString &message, int exitCode)
+{
+    QTextStream(stderr) << "subject-terminal: " << message << '\n';
+    return exitCode;
+}
+
+void configureIdentity(const TerminalOptions &options)
+{
+    TFAppConfig *config = TFAppConfig::instance();
+    config->setAppToken(options.token);
+    config->setProuctId(options.product);
+    TFAppConfig::USERINFO user;
+    user.userId = options.user;
+    user.userName = options.user;
+    config->setUserInfo(user);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // The web engine shares its OpenGL context with the widgets'.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("subject"));
+    QCoreApplication::setApplicationName(QStringLiteral("subject-terminal"));
+
+    const CommandLine::Result parsed = CommandLine::parse(QCoreApplication::arguments());
+    if (parsed.outcome == CommandLine::ShowHelp) {
+        QTextStream(stdout) << parsed.message;
+        return Done;
+    }
+    if (parsed.outcome == CommandLine::Error)
+        return complain(parsed.message + QStringLiteral("\nTry 'subject-terminal --help'."), BadArguments);
+    const TerminalOptions &options = parsed.options;
+
+    if (!options.screenFile.isEmpty())
+        return complain(QStringLiteral("--screen: composite screens are not yet supported"), BadArguments);
+
+    if (!options.logFile.isEmpty()) {
+        QString error;
+        if (!LogFile::install(options.logFile, &error))
+            return complain(error, BadArguments);
+    }
+
+    configureIdentity(options);
+    const QString binDir = QCoreApplication::applicationDirPath();
+    TFCore *core = TFCore::instance();
+    core->setSkinsRoot(QDir(binDir).filePath(QStringLiteral("skins")));
+    core->setIniDirectory(QDir(binDir).filePath(QStringLiteral("ini")));
+    if (!core->setCurrentSkin(options.skin))
+        qWarning() << "skin" << options.skin << "is not installed under" << QDir(binDir).filePath(QStringLiteral("skins"));
+
+    EmbeddedService embedded;
+    QString serviceDescription;
+    if (!options.serviceUrl.isEmpty()) {
+        TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), options.serviceUrl);
+        serviceDescription = QStringLiteral("service: %1").arg(options.serviceUrl.toString());
+    } else if (EmbeddedService::isAvailable()) {
+        const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+        QString error;
+        if (!embedded.start(QDir(cache).filePath(QStringLiteral("subject-demo.sqlite")), options.token, &error))
+            return complain(QStringLiteral("the embedded service did not start: %1").arg(error), Failed);
+        TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), embedded.baseUrl());
+        serviceDescription = QStringLiteral("service: %1 (embedded)").arg(embedded.baseUrl().toString());
+    } else {
+        const QString message = QStringLiteral("no service configured: pass --service URL");
+        qWarning().noquote() << message;
+        QTextStream(stderr) << "subject-terminal: " << message << '\n';
+        serviceDescription = message;
+    }
+
+    const QString pluginDir = options.pluginDirectory.isEmpty()
+            ? QDir(binDir).filePath(QStringLiteral("plugins")) : options.pluginDirectory;
+    PluginLoader plugins(pluginDir);
+    if (!plugins.loadAll())
+        return complain(plugins.errorString(), PluginFailed);
+
+    const QUrl pageUrl = options.pageUrl.isEmpty() ? plugins.defaultPageUrl() : options.pageUrl;
+    if (pageUrl.isEmpty())
+        return complain(QStringLiteral("no page-url given and the plug-in names no default Url"), BadArguments);
+
+    TerminalWindow window(&plugins);
+    window.setServiceDescription(serviceDescription);
+    window.resize(options.size);
+    QString error;
+    if (!window.openPage(pageUrl, &error))
+        return complain(QStringLiteral("cannot open %1: %2").arg(pageUrl.toString(), error), PluginFailed);
+    window.show();
+
+    int exitCode = Done;
+    Screenshotter *shooter = nullptr;
+    if (!options.screenshotFile.isEmpty()) {
+        shooter = new Screenshotter(&window, options.screenshotFile, options.settleMs, 60000, &app);
+        QObject::connect(shooter, &Screenshotter::finished, &app, [&exitCode](int code, const QString &message) {
+            exitCode = code;
+            if (code == Done)
+                QTextStream(stdout) << message << '\n';
+            else
+                QTextStream(stderr) << "subject-terminal: " << message << '\n';
+            QCoreApplication::exit(code);
+        });
+        shooter->start();
+    }
+
+    const int result = app.exec();
+    LogFile::uninstall();
+    return shooter ? exitCode : result;
+}
