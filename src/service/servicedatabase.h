@@ -1,0 +1,55 @@
+#pragma once
+
+#include "filterexpression.h"
+
+#include <QJsonArray>
+#include <QMap>
+#include <QString>
+#include <QVariantList>
+
+#include <mutex>
+#include <vector>
+
+struct sqlite3;
+
+namespace SubjectService {
+
+// The demo database: made on first use, then read by many request threads,
+// each borrowing a read-only connection of its own.
+class ServiceDatabase
+{
+public:
+    ServiceDatabase() = default;
+    ~ServiceDatabase();
+    ServiceDatabase(const ServiceDatabase &) = delete;
+    ServiceDatabase &operator=(const ServiceDatabase &) = delete;
+
+    // Opens the file, generating the demo data first when it is missing or
+    // was left unfinished.
+    bool open(const QString &path, int scale, QString *error);
+    void close();
+
+    bool hasTable(const QString &table) const { return m_columns.contains(table.toUpper()); }
+    ColumnSet columns(const QString &table) const { return m_columns.value(table.toUpper()); }
+    QString tableName(const QString &table) const { return m_tableNames.value(table.toUpper()); }
+
+    // Runs one SELECT. Each row becomes an object of column name to value;
+    // dates as milliseconds since the epoch, year-months as numbers.
+    bool select(const QString &sql, const QVariantList &bindings, QJsonArray *rows,
+                QString *error) const;
+    bool selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
+                     QString *error) const;
+
+private:
+    sqlite3 *acquire(QString *error) const;
+    void release(sqlite3 *db) const;
+    bool readSchema(QString *error);
+
+    QString m_path;
+    QMap<QString, ColumnSet> m_columns;   // by upper-cased table name
+    QMap<QString, QString> m_tableNames;
+    mutable std::mutex m_poolMutex;
+    mutable std::vector<sqlite3 *> m_pool;
+};
+
+} // namespace SubjectService
