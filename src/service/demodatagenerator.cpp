@@ -218,6 +218,7 @@ CREATE TABLE otc_stock (SECU_ID INTEGER PRIMARY KEY, SECU_CODE TEXT, SECU_SHT TE
   IND_NAME TEXT, PROVINCE TEXT, AREA TEXT, LIST_DATE DATE, CLOSE_PRICE REAL, TOTAL_SHARES REAL, REVENUE REAL,
   NET_PROFIT REAL, HOLDER_CNT REAL, SECU_TYP_CODE INTEGER);
 CREATE TABLE otc_layer (NAME TEXT, VALUE TEXT);
+CREATE TABLE bond_rating_stat (RATING TEXT, BOND_CNT INTEGER, ISSUE_AMT REAL);
 CREATE TABLE hk_stock (SECU_ID INTEGER PRIMARY KEY, SECU_CODE TEXT, SECU_SHT TEXT, IND_NAME TEXT, CST_NUM TEXT,
   CLOSE_PRICE REAL, CHG_PCT REAL, VOLUME REAL, AMOUNT REAL, MKT_CAP REAL, PE REAL, DIV_YIELD REAL, LIST_DATE DATE);
 )SQL";
@@ -242,7 +243,7 @@ DemoDataGenerator::DemoDataGenerator(int scale) : m_scale(qMax(1, scale)) {}
 
 int DemoDataGenerator::version()
 {
-    return 3;
+    return 4;
 }
 
 bool DemoDataGenerator::generate(const QString &path, QString *error)
@@ -655,6 +656,8 @@ bool DemoDataGenerator::generate(const QString &path, QString *error)
     ok = ok && w.exec("INSERT INTO industry_stat SELECT s.IND_CODE, f.IND_NAME, f.YEAR, SUM(f.REVENUE), SUM(f.NET_PROFIT), "
                       "ROUND(SUM(f.NET_PROFIT) * 100.0 / SUM(f.EQUITY), 2), COUNT(*) FROM stock_finance f "
                       "JOIN stock s ON s.SECU_ID = f.SECU_ID WHERE f.QUARTER = 4 GROUP BY s.IND_CODE, f.IND_NAME, f.YEAR");
+
+    ok = ok && w.exec("INSERT INTO bond_rating_stat SELECT RATING, COUNT(*), SUM(ISSUE_AMT) FROM bond GROUP BY RATING ORDER BY RATING");
 
     ok = ok && w.exec(QString::fromUtf8(kIndexes))
          && w.exec(QStringLiteral("INSERT INTO demo_meta VALUES ('version', %1), ('scale', %2)").arg(version()).arg(scale))
