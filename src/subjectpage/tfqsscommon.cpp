@@ -1,0 +1,7 @@
+#include "tfqsscommon.h"
+
+TFQssCommon *TFQssCommon::instance()
+{
+    static TFQssCommon common;
+    return &common;
+}

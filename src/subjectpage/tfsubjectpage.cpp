@@ -1,0 +1,160 @@
+#include "tfsubjectpage.h"
+
+#include "tfmenucfg.h"
+#include "tfqsscommon.h"
+#include "tfsubjectmainframe.h"
+
+#include "tfcore/tfcore.h"
+
+#include <QDebug>
+#include <QHBoxLayout>
+#include <QMap>
+#include <QPainter>
+#include <QStyleOption>
+#include <QUrlQuery>
+
+TFSubjectPage::TFSubjectPage(QWidget *parent)
+    : QWidget(parent)
+    , m_mainFrame(new TFSubjectMainFrame(this))
+{
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_mainFrame);
+    setLayout(layout);
+    TFCore::instance()->addStyle2View(this, QStringLiteral("subject/subject.css"));
+}
+
+TFSubjectPage::~TFSubjectPage()
+{
+    qDebug() << "subjectpage destroyed" << property("pageUrl").toString();
+}
+
+void TFSubjectPage::init(const QUrl &url, QVariant arg)
+{
+    Q_UNUSED(arg)
+    qDebug() << "subjectpage init,url: " << url;
+    if (!parseUrl(url))
+        return;
+    setUrl(url.toString());
+    m_mainFrame->refresh();
+}
+
+const char *TFSubjectPage::signalWindowTitleChanged()
+{
+    return "2signalWindowTitleChanged(QString)";
+}
+
+const char *TFSubjectPage::signalWindowIconChanged()
+{
+    return "2signalWindowIconChanged(QIcon)";
+}
+
+QString TFSubjectPage::url()
+{
+    return property("pageUrl").toString();
+}
+
+void TFSubjectPage::setUrl(const QString &url)
+{
+    setProperty("pageUrl", url);
+    m_mainFrame->setProperty("pageUrl", url);
+}
+
+void TFSubjectPage::applySkinStyle(const QVariant &style)
+{
+    if (!style.isValid())
+        return;
+    setStyleSheet(style.toString());
+}
+
+bool TFSubjectPage::parseUrl(const QUrl &url)
+{
+    if (url.scheme().compare(QLatin1String("view"), Qt::CaseInsensitive) != 0
+        || !url.host(QUrl::FullyDecoded).contains(QLatin1String("subjectpage"), Qt::CaseInsensitive)) {
+        qWarning() << "url is unrecognizable";
+        return false;
+    }
+
+    // Lower-casing the whole query makes its keys case-insensitive; the
+    // values, the title included, are lowered with them.
+    const QUrlQuery query(url.query().toLower());
+    const auto value = [&query](const char *key) {
+        return query.queryItemValue(QLatin1String(key), QUrl::FullyDecoded);
+    };
+
+    m_mainFrame->setNodeCode(value("nodecode"));
+    const QString objVwId = value("objvwid");
+    m_mainFrame->setObjVwId(objVwId);
+
+    bool isNumber = false;
+    int pNodeCode = value("pnodecode").toInt(&isNumber, 10);
+    if (!isNumber)
+        pNodeCode = 0;
+    m_mainFrame->setPNodeCode(pNodeCode != 0 ? pNodeCode : TFMenuCfg::instance()->topicOfView(objVwId));
+
+    // The caption falls back to the topic named by the URL's own code, not
+    // the one found by the view.
+    const QString title = value("title");
+    m_mainFrame->setCaption(title.isEmpty() ? TFMenuCfg::instance()->topicName(pNodeCode) : title);
+
+    announceTitleAndIcon(title);
+
+    QMap<QString, QVariant> args;
+    const auto items = query.queryItems(QUrl::FullyDecoded);
+    for (const auto &item : items) {
+        qDebug() << "setProperty:" << item;
+        args.insert(item.first, item.second);
+        setProperty(item.first.toLocal8Bit().constData(), item.second);
+    }
+    m_mainFrame->setF9Args(args);
+    return true;
+}
+
+void TFSubjectPage::slotChangeWindowTitle(QString title)
+{
+    announceTitleAndIcon(title);
+}
+
+void TFSubjectPage::announceTitleAndIcon(const QString &urlTitle)
+{
+    const QString caption = m_mainFrame->caption();
+    QString windowTitle;
+    if (caption == urlTitle) {
+        windowTitle = urlTitle;
+    } else {
+        windowTitle = caption;
+        if (!urlTitle.isEmpty())
+            windowTitle += QLatin1Char(':') + urlTitle;
+    }
+    emit signalWindowTitleChanged(windowTitle);
+    emit signalWindowIconChanged(QIcon(TFCore::instance()->getCurrentSkinPath(QStringLiteral("subject.png"))));
+}
+
+void TFSubjectPage::setHeaderBorderColor(const QColor &color)
+{
+    m_headerBorderColor = color;
+    TFQssCommon::instance()->headerBorderColor = color;
+}
+
+void TFSubjectPage::setHeaderSplitColor(const QColor &color)
+{
+    m_headerSplitColor = color;
+    TFQssCommon::instance()->headerSplitColor = color;
+}
+
+void TFSubjectPage::setHighlightColor(const QColor &color)
+{
+    m_highlightColor = color;
+    TFQssCommon::instance()->highlightColor = color;
+}
+
+void TFSubjectPage::paintEvent(QPaintEvent *event)
+{
+    Q_UNUSED(event)
+    // Lets the style sheet paint the background of a plain QWidget subclass.
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
