@@ -76,6 +76,13 @@ int main(int argc, char *argv[])
     if (!core->setCurrentSkin(options.skin))
         qWarning() << "skin" << options.skin << "is not installed under" << QDir(binDir).filePath(QStringLiteral("skins"));
 
+    // Plug-ins first: a terminal without its page has no use for a service.
+    const QString pluginDir = options.pluginDirectory.isEmpty()
+            ? QDir(binDir).filePath(QStringLiteral("plugins")) : options.pluginDirectory;
+    PluginLoader plugins(pluginDir);
+    if (!plugins.loadAll())
+        return complain(plugins.errorString(), PluginFailed);
+
     EmbeddedService embedded;
     QString serviceDescription;
     if (!options.serviceUrl.isEmpty()) {
@@ -94,12 +101,6 @@ int main(int argc, char *argv[])
         QTextStream(stderr) << "subject-terminal: " << message << '\n';
         serviceDescription = message;
     }
-
-    const QString pluginDir = options.pluginDirectory.isEmpty()
-            ? QDir(binDir).filePath(QStringLiteral("plugins")) : options.pluginDirectory;
-    PluginLoader plugins(pluginDir);
-    if (!plugins.loadAll())
-        return complain(plugins.errorString(), PluginFailed);
 
     const QUrl pageUrl = options.pageUrl.isEmpty() ? plugins.defaultPageUrl() : options.pageUrl;
     if (pageUrl.isEmpty())

@@ -163,6 +163,12 @@ ITFAbstractPage *PluginLoader::createPage(const QUrl &url, QString *error) const
         *error = QStringLiteral("meta type %1 of %2 is not a page widget").arg(metaId).arg(registration->id);
         return nullptr;
     }
+    // A type registered with its meta-object can be checked before it is made.
+    const QMetaObject *metaObject = QMetaType::metaObjectForType(metaId);
+    if (metaObject && !metaObject->inherits(&QWidget::staticMetaObject)) {
+        *error = QStringLiteral("%1 is not a widget").arg(QLatin1String(metaObject->className()));
+        return nullptr;
+    }
     void *made = QMetaType::create(metaId);
     if (!made) {
         *error = QStringLiteral("meta type %1 (%2) cannot be constructed")
