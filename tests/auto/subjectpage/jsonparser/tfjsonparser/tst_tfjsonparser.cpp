@@ -1,0 +1,487 @@
+#include "jsonparser/tfchartviewjsontable.h"
+#include "jsonparser/tfchildviewjsontable.h"
+#include "jsonparser/tfdatajsontable.h"
+#include "jsonparser/tffilterjsontable.h"
+#include "jsonparser/tfheaderfieldconfigdata.h"
+#include "jsonparser/tfjsonparser.h"
+#include "jsonparser/tfjsontablefactory.h"
+#include "jsonparser/tfjsontablenames.h"
+#include "jsonparser/tfobjectviewconfigtable.h"
+#include "jsonparser/tfsummaryjsontable.h"
+#include "jsonparser/tfviewconfigtable.h"
+
+#include "../shared/jsontext.h"
+#include "../shared/messagelog.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <memory>
+
+using TFSubject::TFJsonParser;
+
+class tst_TFJsonParser : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void tableNames();
+    void tableIdOfName_data();
+    void tableIdOfName();
+    void factory_data();
+    void factory();
+
+    void dataTable_data();
+    void dataTable();
+
+    void rejects_data();
+    void rejects();
+    void tablesOfDocument_data();
+    void tablesOfDocument();
+    void secondDocumentReplacesTables();
+    void pagingFigures_data();
+    void pagingFigures();
+    void questionsWithoutViewTable();
+    void childViewsAnnouncedWhileReading();
+    void noSectorOrEmptySignals();
+
+    void tableViewDocument();
+    void crossViewDocument();
+    void chartViewDocument();
+
+private:
+    static QJsonObject loadDocument(const QString& name);
+};
+
+// parseConfig only keeps the band tree it is given, so any non-null address
+// stands in for one here.
+static TFTreeStruct* bandTree()
+{
+    static char placeholder;
+    return reinterpret_cast<TFTreeStruct*>(&placeholder);
+}
+
+static QList<int> tableIds(const TFJsonParser& parser)
+{
+    QList<int> ids;
+    for (int id = -1; id <= 13; ++id) {
+        if (const TFBaseJsonTable* table = parser.table(id)) {
+            if (table->tableType() != id)
+                qFatal("table %d kept under id %d", table->tableType(), id);
+            ids.append(id);
+        }
+    }
+    return ids;
+}
+
+QJsonObject tst_TFJsonParser::loadDocument(const QString& name)
+{
+    QFile file(QStringLiteral(SUBJECT_TEST_DATA_DIR "/config/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot open %s", qPrintable(file.fileName()));
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        qFatal("%s: %s", qPrintable(name), qPrintable(error.errorString()));
+    return document.object();
+}
+
+void tst_TFJsonParser::tableNames()
+{
+    const QStringList names { TFJsonTableName::TableName, TFJsonTableName::Structure, TFJsonTableName::DataUpper,
+                              TFJsonTableName::Data, TFJsonTableName::Object, TFJsonTableName::ObjectProperty,
+                              TFJsonTableName::ObjectView, TFJsonTableName::ObjectViewConfig,
+                              TFJsonTableName::Summary, TFJsonTableName::ViewConfig, TFJsonTableName::View };
+    QCOMPARE(names, (QStringList { "TABLENAME", "STRUCTURE", "DATA", "Data", "Object", "Object_Property",
+                                   "Object_View", "Object_View_Config", "Summary", "View_Config", "View" }));
+}
+
+void tst_TFJsonParser::tableIdOfName_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("id");
+
+    QTest::newRow("Data") << "Data" << 1;
+    QTest::newRow("Object ends at 5") << "Object" << 5;
+    QTest::newRow("Object_View") << "Object_View" << 3;
+    QTest::newRow("View_Config") << "View_Config" << 4;
+    QTest::newRow("Object_View_Config is 12") << "Object_View_Config" << 12;
+    QTest::newRow("Summary") << "Summary" << 7;
+    QTest::newRow("Object_Property") << "Object_Property" << 0;
+    QTest::newRow("DATA") << "DATA" << 0;
+    QTest::newRow("data") << "data" << 0;
+    QTest::newRow("View") << "View" << 0;
+    QTest::newRow("TABLENAME") << "TABLENAME" << 0;
+    QTest::newRow("empty") << "" << 0;
+}
+
+void tst_TFJsonParser::tableIdOfName()
+{
+    QFETCH(QString, name);
+    QFETCH(int, id);
+    QCOMPARE(TFJsonTableFactory::tableId(name), id);
+}
+
+void tst_TFJsonParser::factory_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::addColumn<QString>("className");
+
+    QTest::newRow("-1") << -1 << QString();
+    QTest::newRow("0") << 0 << QString();
+    QTest::newRow("1") << 1 << "TFDataJsonTable";
+    QTest::newRow("2") << 2 << "TFObjectPropertyTable";
+    QTest::newRow("3") << 3 << "TFObjectViewJsonTable";
+    QTest::newRow("4") << 4 << "TFViewConfigTable";
+    QTest::newRow("5") << 5 << QString();
+    QTest::newRow("6") << 6 << QString();
+    QTest::newRow("7") << 7 << "TFSummaryJsonTable";
+    QTest::newRow("8") << 8 << "TFHeaderFieldConfigData";
+    QTest::newRow("9") << 9 << "TFChildViewJsonTable";
+    QTest::newRow("10") << 10 << "TFFilterJsonTable";
+    QTest::newRow("11") << 11 << "TFChartViewJsonTable";
+    QTest::newRow("12") << 12 << "TFObjectViewConfigTable";
+    QTest::newRow("13") << 13 << QString();
+}
+
+void tst_TFJsonParser::factory()
+{
+    QFETCH(int, id);
+    QFETCH(QString, className);
+
+    std::unique_ptr<TFBaseJsonTable> table(TFJsonTableFactory::createTable(id));
+    QCOMPARE(table ? QString::fromLatin1(table->metaObject()->className()) : QString(), className);
+    if (!table)
+        return;
+    QCOMPARE(table->tableType(), id);
+    QVERIFY(!table->parent());
+    if (id == 8)
+        QVERIFY(static_cast<TFHeaderFieldConfigData*>(table.get())->hasUpperCaseKeys());
+}
+
+void tst_TFJsonParser::dataTable_data()
+{
+    QTest::addColumn<QJsonValue>("value");
+    QTest::addColumn<int>("rowCount");
+
+    QTest::newRow("rows") << QJsonValue(QJsonArray { QJsonObject { { "A", 1 } }, QJsonObject { { "A", 2 } } }) << 2;
+    QTest::newRow("empty array") << QJsonValue(QJsonArray()) << 0;
+    QTest::newRow("elements that are no objects are empty rows")
+        << QJsonValue(QJsonArray { 1, QJsonObject { { "A", 1 } }, "x", QJsonValue() }) << 4;
+    QTest::newRow("object") << QJsonValue(QJsonObject { { "A", 1 } }) << 0;
+    QTest::newRow("text") << QJsonValue("[{\"A\":1}]") << 0;
+}
+
+void tst_TFJsonParser::dataTable()
+{
+    QFETCH(QJsonValue, value);
+    QFETCH(int, rowCount);
+
+    TFDataJsonTable table;
+    table.setRows({ QVariantMap { { "old", 1 } } });
+    table.initWith(value);
+    QCOMPARE(table.rows().size(), rowCount);
+    if (value.isArray()) {
+        const QJsonArray array = value.toArray();
+        for (int i = 0; i < array.size(); ++i)
+            QCOMPARE(table.rows().at(i), array.at(i).toObject().toVariantMap());
+    }
+}
+
+void tst_TFJsonParser::rejects_data()
+{
+    QTest::addColumn<QJsonValue>("document");
+    QTest::addColumn<bool>("withHeader");
+
+    QTest::newRow("undefined document") << QJsonValue(QJsonValue::Undefined) << true;
+    QTest::newRow("no header") << QJsonValue(QJsonObject { { "Data", QJsonArray() } }) << false;
+}
+
+void tst_TFJsonParser::rejects()
+{
+    QFETCH(QJsonValue, document);
+    QFETCH(bool, withHeader);
+
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(QJsonObject { { "Summary", QJsonArray { QJsonObject { { "Item", "rcount" }, { "value", 9 } } } } },
+                               bandTree()));
+    QCOMPARE(parser.header(), bandTree());
+
+    // A refused document changes nothing.
+    QVERIFY(!parser.parseConfig(document, withHeader ? bandTree() : nullptr));
+    QCOMPARE(tableIds(parser), QList<int> { 7 });
+    QCOMPARE(parser.rowCount(), 9);
+    QCOMPARE(parser.header(), bandTree());
+}
+
+void tst_TFJsonParser::tablesOfDocument_data()
+{
+    QTest::addColumn<QJsonValue>("document");
+    QTest::addColumn<QList<int>>("tables");
+
+    const QJsonArray rows { QJsonObject { { "A", 1 } } };
+    QTest::newRow("empty object") << QJsonValue(QJsonObject()) << QList<int>();
+    QTest::newRow("null") << QJsonValue() << QList<int>();
+    QTest::newRow("array") << QJsonValue(QJsonArray { QJsonObject { { "Data", rows } } }) << QList<int>();
+    QTest::newRow("text") << QJsonValue("{\"Data\":[]}") << QList<int>();
+    QTest::newRow("Object and Object_Property are ignored")
+        << QJsonValue(QJsonObject { { "Object", rows }, { "Object_Property", QJsonObject { { "DATA", rows } } },
+                                    { "View", rows }, { "DATA", rows } })
+        << QList<int>();
+    QTest::newRow("all five") << QJsonValue(QJsonObject { { "Data", rows }, { "View_Config", QJsonArray() },
+                                                          { "Object_View_Config", QJsonArray() },
+                                                          { "Summary", QJsonArray() }, { "Object_View", QJsonArray() } })
+                              << QList<int> { 1, 3, 4, 7, 12 };
+    QTest::newRow("members of the wrong type still make tables")
+        << QJsonValue(QJsonObject { { "Data", "x" }, { "View_Config", 3 }, { "Summary", QJsonValue() } })
+        << QList<int> { 1, 4, 7 };
+    QTest::newRow("names are exact") << QJsonValue(QJsonObject { { "data", rows }, { "view_config", QJsonArray() } })
+                                     << QList<int>();
+}
+
+void tst_TFJsonParser::tablesOfDocument()
+{
+    QFETCH(QJsonValue, document);
+    QFETCH(QList<int>, tables);
+
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(document, bandTree()));
+    QCOMPARE(tableIds(parser), tables);
+    QCOMPARE(parser.header(), bandTree());
+}
+
+void tst_TFJsonParser::secondDocumentReplacesTables()
+{
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
+    QCOMPARE(tableIds(parser), (QList<int> { 1, 3, 4, 7, 12 }));
+    QPointer<TFViewConfigTable> firstView = parser.viewConfigTable();
+    QPointer<TFBaseJsonTable> firstData = parser.table(1);
+
+    QVERIFY(parser.parseConfig(QJsonObject { { "Data", QJsonArray { QJsonObject { { "B", 2 } } } } }, bandTree()));
+    QCOMPARE(tableIds(parser), QList<int> { 1 });
+    QVERIFY(firstView.isNull());
+    QVERIFY(firstData.isNull());
+    QCOMPARE(parser.dataMaps(), (QList<QVariantMap> { QVariantMap { { "B", 2 } } }));
+    QCOMPARE(parser.rowCount(), -1);
+    QCOMPARE(parser.objectViewName(), QString());
+    QVERIFY(parser.filterData().isEmpty());
+
+    QVERIFY(parser.parseConfig(QJsonObject(), bandTree()));
+    QVERIFY(tableIds(parser).isEmpty());
+    QVERIFY(parser.dataMaps().isEmpty());
+}
+
+void tst_TFJsonParser::pagingFigures_data()
+{
+    QTest::addColumn<QJsonObject>("document");
+    QTest::addColumn<int>("rowCount");
+    QTest::addColumn<int>("pageIndex");
+    QTest::addColumn<int>("pageSize");
+
+    auto item = [](const char* name, int value) { return QJsonObject { { "Item", name }, { "value", value } }; };
+    QTest::newRow("no summary") << QJsonObject { { "Data", QJsonArray() } } << -1 << -1 << -1;
+    QTest::newRow("empty summary") << QJsonObject { { "Summary", QJsonArray() } } << 0 << 0 << 200;
+    QTest::newRow("summary without rcount") << QJsonObject { { "Summary", QJsonArray { item("pindex", 2) } } }
+                                            << 0 << 2 << 200;
+    QTest::newRow("summary not an array") << QJsonObject { { "Summary", QJsonObject() } } << 0 << 0 << 200;
+    QTest::newRow("all figures")
+        << QJsonObject { { "Summary", QJsonArray { item("rcount", 4321), item("pindex", 3), item("psize", 100) } } }
+        << 4321 << 3 << 100;
+}
+
+void tst_TFJsonParser::pagingFigures()
+{
+    QFETCH(QJsonObject, document);
+    QFETCH(int, rowCount);
+    QFETCH(int, pageIndex);
+    QFETCH(int, pageSize);
+
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(document, bandTree()));
+    QCOMPARE(parser.rowCount(), rowCount);
+    QCOMPARE(parser.pageIndex(), pageIndex);
+    QCOMPARE(parser.pageSize(), pageSize);
+}
+
+void tst_TFJsonParser::questionsWithoutViewTable()
+{
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(QJsonObject { { "Data", QJsonArray() } }, bandTree()));
+    QVERIFY(!parser.viewConfigTable());
+    QVERIFY(!parser.objectViewConfigTable());
+    QVERIFY(!parser.summaryTable());
+    QVERIFY(!parser.isCross());
+    QVERIFY(!parser.isGroup());
+    QVERIFY(!parser.isShowChild());
+    QVERIFY(!parser.hasVGridColHeaderField());
+    QCOMPARE(parser.frozenCount(), 0);
+    QCOMPARE(parser.vGridColHeaderField(), QString());
+    QCOMPARE(parser.orderProperty().first, QString());
+    QVERIFY(parser.orderProperty().second.isNull());
+    QVERIFY(parser.filterData().isEmpty());
+    QCOMPARE(parser.childViewParams(1002), QString());
+    QCOMPARE(parser.objectViewName(), QString());
+}
+
+void tst_TFJsonParser::childViewsAnnouncedWhileReading()
+{
+    TFJsonParser parser;
+    QSignalSpy spy(&parser, &TFJsonParser::signalSubTableJsonData);
+    QList<bool> viewTableStoredAtSignal;
+    connect(&parser, &TFJsonParser::signalSubTableJsonData, this,
+            [&] { viewTableStoredAtSignal.append(parser.viewConfigTable() != nullptr); });
+
+    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(spy.at(0).at(0).value<qint64>(), qint64(1002));
+    QCOMPARE(spy.at(0).at(1).toString(), QString("个股行情"));
+    QCOMPARE(spy.at(1).at(0).value<qint64>(), qint64(1003));
+    QCOMPARE(spy.at(1).at(1).toString(), QString("公司公告"));
+    // The owner hears of the children before the view table is done.
+    QCOMPARE(viewTableStoredAtSignal, (QList<bool> { false, false }));
+
+    // Reading the same document again announces them again.
+    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
+    QCOMPARE(spy.count(), 4);
+}
+
+void tst_TFJsonParser::noSectorOrEmptySignals()
+{
+    TFJsonParser parser;
+    QSignalSpy sector(&parser, qOverload<QString>(&TFJsonParser::sigSectorNumChanged));
+    QSignalSpy noData(&parser, &TFJsonParser::sigNoData);
+    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
+    QVERIFY(parser.parseConfig(QJsonObject { { "Data", QJsonArray() } }, bandTree()));
+    QCOMPARE(sector.count(), 0);
+    QCOMPARE(noData.count(), 0);
+}
+
+void tst_TFJsonParser::tableViewDocument()
+{
+    MessageLog log;
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
+    QCOMPARE(log.count(), 0);
+
+    QCOMPARE(parser.objectViewName(), QString("A股行情"));
+    QCOMPARE(parser.dataMaps().size(), 3);
+    QCOMPARE(parser.dataMaps().at(1).value("SECU_SHT").toString(), QString("招商银行"));
+    QVERIFY(parser.dataMaps().at(2).value("TRD_AMT").isNull());
+    QCOMPARE(parser.rowCount(), 3);
+    QCOMPARE(parser.pageIndex(), 1);
+    QCOMPARE(parser.pageSize(), 50);
+
+    QVERIFY(parser.isShowChild());
+    QVERIFY(!parser.isCross());
+    QVERIFY(!parser.isGroup());
+    QCOMPARE(parser.frozenCount(), 2);
+    QVERIFY(!parser.hasVGridColHeaderField());
+    const QPair<QString, QVariant> order = parser.orderProperty();
+    QCOMPARE(order.first, QString("order"));
+    QCOMPARE(order.second.value<QJsonObject>(), (QJsonObject { { "TRD_AMT", -1 }, { "SECU_CODE", 1 } }));
+    QCOMPARE(parser.childViewParams(1003), QString("SECU_ID=SECU_ID;END_DT=END_DT"));
+    QCOMPARE(parser.childViewParams(1001), QString());
+
+    TFViewConfigTable* view = parser.viewConfigTable();
+    QVERIFY(view);
+    QCOMPARE(view->viewId(), 1001);
+    QCOMPARE(view->entries().size(), 12);
+    QCOMPARE(view->bandsLevel(), 2);
+    QVERIFY(!view->isShowFilter());     // "1" as a string
+    QCOMPARE(view->sectorNum(), QString("1001001"));
+    QCOMPARE(view->rootSectorNum(), QString("1001"));
+    QVERIFY(!view->chartTable());
+
+    const QList<TFTableModelData::FilterData> filters = parser.filterData();
+    QCOMPARE(filters.size(), 3);
+    QCOMPARE(filters.at(0).FieldName, QString("END_DT"));
+    QCOMPARE(filters.at(0).ParameterCategory, QString("1"));
+    QCOMPARE(filters.at(0).DefualtValue, QString("date'2024-01-31'"));
+    QCOMPARE(filters.at(1).UnitCategory, 2);
+    QCOMPARE(filters.at(1).ImageIndex, QString("3"));
+    QCOMPARE(filters.at(2).ClassName, QString("UnitFactorCombobox"));
+
+    TFHeaderFieldConfigData* bands = view->headerTable();
+    QVERIFY(bands);
+    QCOMPARE(bands->fields().size(), 7);
+    QCOMPARE(bands->fields().at(5).fieldName, QString("TRD_AMT"));
+    QCOMPARE(bands->fields().at(5).width, 120);
+    QCOMPARE(bands->fields().at(5).visible, false);
+
+    TFObjectViewConfigTable* fields = parser.objectViewConfigTable();
+    QVERIFY(fields);
+    QCOMPARE(fields->records().size(), 4);
+    QCOMPARE(fields->headerFieldInfo("TRD_AMT").showUnitFactor, qint64(100000000));
+    QVERIFY(fields->isFieldVisible("TRD_AMT"));   // vw_sts 1 as a number
+    QVERIFY(!fields->isFieldVisible("CLS_PRC"));
+    QVERIFY(fields->isFieldVisible("CHG_RAT"));   // not in the table
+
+    // The column list merged with the display settings: the two bands and
+    // the field without settings warn and keep their own.
+    bands->mergeWith(fields);
+    QCOMPARE(log.messages(QtWarningMsg), (QStringList { "cant find field name: B_BASE", "cant find field name: B_PRICE",
+                                                        "cant find field name: CHG_RAT" }));
+    const QList<HeaderFieldInfo> merged = bands->fields();
+    QCOMPARE(merged.at(1).caption, QString("证券代码"));
+    QCOMPARE(merged.at(1).textAlignment, 1);
+    QCOMPARE(merged.at(4).formatString, QString("n3"));
+    QCOMPARE(merged.at(4).visible, false);       // vw_sts 2
+    QCOMPARE(merged.at(5).visible, true);        // Visible false in both, vw_sts 1
+    QCOMPARE(merged.at(5).width, 130);
+    QCOMPARE(merged.at(5).showUnit, QString("亿元"));
+    QCOMPARE(merged.at(6).statExpression, QString("AVG"));
+}
+
+void tst_TFJsonParser::crossViewDocument()
+{
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(loadDocument("cross_view.json"), bandTree()));
+    QCOMPARE(tableIds(parser), (QList<int> { 1, 3, 4, 7 }));
+    QVERIFY(parser.isCross());
+    QVERIFY(parser.isGroup());
+    QVERIFY(parser.hasVGridColHeaderField());
+    QCOMPARE(parser.vGridColHeaderField(), QString("RPT_YEAR"));
+    QCOMPARE(parser.viewConfigTable()->groupFields(), QString("IND_NAME"));
+    QCOMPARE(parser.objectViewName(), QString("净利润对比"));
+    QCOMPARE(parser.rowCount(), 1);
+    QCOMPARE(parser.pageSize(), 0);             // "100" as a string
+    QVERIFY(parser.viewConfigTable()->headerTable());   // "BANDS"
+
+    TFSummaryJsonTable* summary = parser.summaryTable();
+    QVERIFY(summary && summary->columnTable());
+    const QList<HeaderFieldInfo> columns = summary->columnTable()->fields();
+    QCOMPARE(columns.size(), 3);
+    QCOMPARE(columns.at(0).visible, true);      // showStatus 1
+    QCOMPARE(columns.at(1).visible, true);      // showStatus 6
+    QCOMPARE(columns.at(1).width, 90);
+    QCOMPARE(columns.at(1).showUnitFactor, qint64(10000));
+    QCOMPARE(columns.at(2).visible, false);     // showStatus 2, visible true
+    QCOMPARE(summary->headerFieldInfo("2023__NET_PRF").caption, QString("2023年"));
+}
+
+void tst_TFJsonParser::chartViewDocument()
+{
+    TFJsonParser parser;
+    QVERIFY(parser.parseConfig(loadDocument("chart_view.json"), bandTree()));
+    TFViewConfigTable* view = parser.viewConfigTable();
+    QVERIFY(view);
+    QVERIFY(view->isGetChartData());
+    TFChartViewJsonTable* chart = view->chartTable();   // "Extend" / "chartviewconfig"
+    QVERIFY(chart);
+    const ChartViewConfig config = chart->config();
+    QCOMPARE(config.ChartType, QString("Line"));
+    QCOMPARE(config.XFieldName, QString("TRD_DT"));
+    QCOMPARE(config.ChartDataConfigs.size(), 3);
+    QCOMPARE(config.ChartDataConfigs.at(0).ShowUnitFactor, 0.5);
+    QCOMPARE(config.ChartDataConfigs.at(1).PrevUnitFactor, 0);
+    QCOMPARE(config.ChartDataConfigs.at(1).YShaftType, QString("Right"));
+    QCOMPARE(config.ChartDataConfigs.at(2).FieldName, QString());
+    QCOMPARE(parser.filterData().size(), 1);
+    QCOMPARE(parser.filterData().first().DefualtValue, QString("$today(0)"));
+    QCOMPARE(parser.dataMaps().size(), 2);
+}
+
+QTEST_APPLESS_MAIN(tst_TFJsonParser)
+#include "tst_tfjsonparser.moc"
