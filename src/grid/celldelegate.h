@@ -1,0 +1,63 @@
+#pragma once
+
+#include "bandgrid_global.h"
+
+#include <QStyledItemDelegate>
+
+namespace BandGrid {
+
+class TableView;
+
+// What a link cell shows and where it leads: "<a href='x'>y</a>" shows y
+// and leads to x; any other text leads to itself.
+struct BANDGRID_EXPORT LinkText
+{
+    QString shown;
+    QString anchor;
+    static LinkText parse(const QString &text);
+};
+
+// Paints every cell of a table view, and its group rows: text, links,
+// cell buttons and grid lines, straight onto the painter without going
+// through the style, so that a screen of cells stays cheap.
+class BANDGRID_EXPORT CellDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+public:
+    explicit CellDelegate(TableView *owner);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QWidget *createEditor(QWidget *, const QStyleOptionViewItem &, const QModelIndex &) const override
+    {
+        return nullptr;
+    }
+
+    // The text a cell shows, as painting and copying see it.
+    QString shownText(const QModelIndex &index) const;
+
+    // Hit areas within a cell's rectangle.
+    QRect buttonRect(const QRect &cell, int button) const;
+    QRect linkRect(const QRect &cell, const QModelIndex &index, const QFont &font) const;
+    QRect expanderRect(const QRect &cell) const;
+    // The button under a point of a cell, or -1.
+    int buttonAt(const QRect &cell, const QModelIndex &index, const QPoint &pos) const;
+
+protected:
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+
+private:
+    void paintGroupRow(QPainter *painter, const QStyleOptionViewItem &option,
+                       const QModelIndex &index) const;
+    void paintGridLines(QPainter *painter, const QRect &rect) const;
+    Qt::Alignment alignmentOf(const QModelIndex &index) const;
+    QRect textRect(const QRect &cell, const QModelIndex &index) const;
+
+    TableView *m_owner;
+    QPersistentModelIndex m_pressed;
+    int m_pressedButton = -1;
+};
+
+} // namespace BandGrid

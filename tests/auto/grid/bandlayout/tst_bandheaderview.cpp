@@ -1,0 +1,231 @@
+#include "bandgrid.h"
+
+#include <QStandardItemModel>
+#include <QtTest>
+
+using namespace BandGrid;
+
+// Band trees as data: the parent of each band (-1 for a top band) and the
+// band of each column (-1 for none).
+using IntList = QVector<int>;
+struct Span { int x; int width; int level; };
+Q_DECLARE_METATYPE(Span)
+Q_DECLARE_METATYPE(QVector<Span>)
+
+class tst_BandHeaderView : public QObject
+{
+    Q_OBJECT
+private slots:
+    void geometry_data();
+    void geometry();
+    void frozenHeaderMatchesMainHeight();
+    void bandNestingRefusesCycles();
+    void pressOnBandDoesNotSort();
+    void plainViewHasOneCaptionRow();
+
+private:
+    static void build(BandedTableView &view, QStandardItemModel &model, const IntList &parents,
+                      const IntList &columnBands, const IntList &widths);
+};
+
+void tst_BandHeaderView::build(BandedTableView &view, QStandardItemModel &model,
+                               const IntList &parents, const IntList &columnBands,
+                               const IntList &widths)
+{
+    model.setColumnCount(columnBands.size());
+    model.setRowCount(3);
+    view.setModel(&model);
+    for (int b = 0; b < parents.size(); ++b)
+        view.addBand(QStringLiteral("band %1").arg(b));
+    for (int b = 0; b < parents.size(); ++b)
+        QVERIFY(view.band(b)->setBandIndex(parents.at(b)));
+    for (int c = 0; c < columnBands.size(); ++c) {
+        QVERIFY(view.column(c)->setBandIndex(columnBands.at(c)));
+        view.column(c)->setWidth(widths.at(c));
+    }
+}
+
+void tst_BandHeaderView::geometry_data()
+{
+    QTest::addColumn<IntList>("parents");
+    QTest::addColumn<IntList>("columnBands");
+    QTest::addColumn<IntList>("widths");
+    QTest::addColumn<IntList>("hiddenColumns");
+    QTest::addColumn<IntList>("hiddenBands");
+    QTest::addColumn<QVector<Span>>("bands");       // width 0: not shown
+    QTest::addColumn<int>("bandRows");
+    QTest::addColumn<IntList>("columnTopRows");      // caption row each column starts at
+
+    const IntList widths{50, 60, 70, 80, 90};
+    QTest::newRow("two top bands")
+        << IntList{-1, -1} << IntList{0, 0, 1, 1, 1} << widths << IntList{} << IntList{}
+        << QVector<Span>{{0, 110, 0}, {110, 240, 0}} << 1 << IntList{1, 1, 1, 1, 1};
+    QTest::newRow("column without band takes full height")
+        << IntList{-1} << IntList{0, 0, -1, 0, -1} << widths << IntList{} << IntList{}
+        << QVector<Span>{{0, 260, 0}} << 1 << IntList{1, 1, 0, 1, 0};
+    QTest::newRow("depth two")
+        << IntList{-1, 0, 0} << IntList{1, 1, 2, 2, -1} << widths << IntList{} << IntList{}
+        << QVector<Span>{{0, 260, 0}, {0, 110, 1}, {110, 150, 1}} << 2 << IntList{2, 2, 2, 2, 0};
+    QTest::newRow("depth three, leaves at every level")
+        << IntList{-1, 0, 1} << IntList{2, 2, 1, 0, -1} << widths << IntList{} << IntList{}
+        << QVector<Span>{{0, 260, 0}, {0, 180, 1}, {0, 110, 2}} << 3 << IntList{3, 3, 2, 1, 0};
+    QTest::newRow("depth four")
+        << IntList{-1, 0, 1, 2} << IntList{3, 3, 3, 2, 1} << widths << IntList{} << IntList{}
+        << QVector<Span>{{0, 350, 0}, {0, 350, 1}, {0, 260, 2}, {0, 180, 3}} << 4
+        << IntList{4, 4, 4, 3, 2};
+    QTest::newRow("hidden column shrinks its band")
+        << IntList{-1} << IntList{0, 0, 0, -1, -1} << widths << IntList{1} << IntList{}
+        << QVector<Span>{{0, 120, 0}} << 1 << IntList{1, -1, 1, 0, 0};
+    QTest::newRow("hidden leaf with visible siblings keeps the band")
+        << IntList{-1, 0, 0} << IntList{1, 1, 2, 2, -1} << widths << IntList{2} << IntList{}
+        << QVector<Span>{{0, 190, 0}, {0, 110, 1}, {110, 80, 1}} << 2 << IntList{2, 2, -1, 2, 0};
+    QTest::newRow("all columns of a band hidden hide it")
+        << IntList{-1, -1} << IntList{0, 0, 1, 1, 1} << widths << IntList{0, 1} << IntList{}
+        << QVector<Span>{{0, 0, 0}, {0, 240, 0}} << 1 << IntList{-1, -1, 1, 1, 1};
+    QTest::newRow("all columns of a nested band hidden drop a caption row")
+        << IntList{-1, 0} << IntList{1, 1, -1, -1, -1} << widths << IntList{0, 1} << IntList{}
+        << QVector<Span>{{0, 0, 0}, {0, 0, 1}} << 0 << IntList{-1, -1, 0, 0, 0};
+    QTest::newRow("hidden band hides its columns and nested bands")
+        << IntList{-1, 0, -1} << IntList{1, 1, 0, 2, 2} << widths << IntList{} << IntList{0}
+        << QVector<Span>{{0, 0, 0}, {0, 0, 1}, {0, 170, 0}} << 1 << IntList{-1, -1, -1, 1, 1};
+}
+
+void tst_BandHeaderView::geometry()
+{
+    QFETCH(IntList, parents);
+    QFETCH(IntList, columnBands);
+    QFETCH(IntList, widths);
+    QFETCH(IntList, hiddenColumns);
+    QFETCH(IntList, hiddenBands);
+    QFETCH(QVector<Span>, bands);
+    QFETCH(int, bandRows);
+    QFETCH(IntList, columnTopRows);
+
+    QStandardItemModel model;
+    BandedTableView view;
+    build(view, model, parents, columnBands, widths);
+    for (int c : hiddenColumns)
+        view.column(c)->setVisible(false);
+    for (int b : hiddenBands)
+        view.band(b)->setVisible(false);
+    view.resize(800, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+
+    BandHeaderView *header = view.bandHeader();
+    const int rowHeight = header->captionRowHeight();
+    QCOMPARE(view.bandRowCount(), bandRows);
+    QCOMPARE(header->height(), (bandRows + 1) * rowHeight);
+
+    for (int b = 0; b < bands.size(); ++b) {
+        const QRect rect = header->bandRect(b);
+        const Span expected = bands.at(b);
+        if (expected.width == 0) {
+            QVERIFY2(rect.isEmpty(), qPrintable(QStringLiteral("band %1 is shown").arg(b)));
+            QVERIFY(!view.band(b)->isShown());
+            continue;
+        }
+        QVERIFY(view.band(b)->isShown());
+        QCOMPARE(rect.x(), expected.x);
+        QCOMPARE(rect.width(), expected.width);
+        QCOMPARE(rect.y(), expected.level * rowHeight);
+        QCOMPARE(rect.height(), rowHeight);
+        QCOMPARE(view.band(b)->level(), expected.level);
+    }
+    for (int c = 0; c < columnTopRows.size(); ++c) {
+        const QRect rect = header->sectionRect(c);
+        if (columnTopRows.at(c) < 0) {
+            QVERIFY(view.isColumnHidden(c));
+            QVERIFY(rect.isEmpty());
+            continue;
+        }
+        QCOMPARE(rect.top(), columnTopRows.at(c) * rowHeight);
+        QCOMPARE(rect.bottom(), header->height() - 1);
+        QCOMPARE(rect.width(), widths.at(c));
+    }
+}
+
+void tst_BandHeaderView::frozenHeaderMatchesMainHeight()
+{
+    QStandardItemModel model;
+    BandedTableView view;
+    build(view, model, IntList{-1, 0}, IntList{1, 1, 0, 0, -1}, IntList{50, 60, 70, 80, 90});
+    view.column(0)->setFixedKind(FixedKind::Left);
+    view.resize(400, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(view.frozenView()->isVisible());
+    QCOMPARE(view.frozenView()->horizontalHeader()->height(), view.bandHeader()->height());
+    // The frozen header shows the part of the band over its own columns.
+    auto *frozenHeader = static_cast<BandHeaderView *>(view.frozenView()->horizontalHeader());
+    QCOMPARE(frozenHeader->bandRect(1), QRect(0, frozenHeader->captionRowHeight(), 50,
+                                             frozenHeader->captionRowHeight()));
+    QCOMPARE(view.bandHeader()->bandRect(1).width(), 110);
+}
+
+void tst_BandHeaderView::bandNestingRefusesCycles()
+{
+    QStandardItemModel model(1, 2);
+    BandedTableView view;
+    view.setModel(&model);
+    Band *top = view.addBand(QStringLiteral("top"));
+    Band *middle = view.addBand(QStringLiteral("middle"));
+    Band *bottom = view.addBand(QStringLiteral("bottom"));
+    QVERIFY(middle->setBandIndex(top->index()));
+    QVERIFY(bottom->setBandIndex(middle->index()));
+    QVERIFY(!top->setBandIndex(bottom->index()));
+    QVERIFY(!top->setBandIndex(top->index()));
+    QVERIFY(!view.column(0)->setBandIndex(7));
+    QCOMPARE(top->parentBand(), nullptr);
+    QVERIFY(bottom->isDescendantOf(top));
+    QVERIFY(!top->isDescendantOf(bottom));
+    QVERIFY(bottom->isBottomBand());
+    QVERIFY(!middle->isBottomBand());
+    QCOMPARE(bottom->level(), 2);
+    QCOMPARE(view.band(3), nullptr);
+    QCOMPARE(view.column(2), nullptr);
+}
+
+void tst_BandHeaderView::pressOnBandDoesNotSort()
+{
+    QStandardItemModel model(3, 2);
+    for (int r = 0; r < 3; ++r) {
+        model.setItem(r, 0, new QStandardItem(QString::number(3 - r)));
+        model.setItem(r, 1, new QStandardItem(QString::number(r)));
+    }
+    BandedTableView view;
+    view.setModel(&model);
+    Band *band = view.addBand(QStringLiteral("band"));
+    view.column(0)->setBandIndex(band->index());
+    view.column(1)->setBandIndex(band->index());
+    view.resize(300, 200);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+
+    QSignalSpy sorted(&view, &TableView::sortChanged);
+    QTest::mouseClick(view.bandHeader()->viewport(), Qt::LeftButton, {},
+                      view.bandHeader()->bandRect(0).center());
+    QCOMPARE(sorted.count(), 0);
+    QTest::mouseClick(view.bandHeader()->viewport(), Qt::LeftButton, {},
+                      view.bandHeader()->sectionRect(0).center());
+    QCOMPARE(sorted.count(), 1);
+    QCOMPARE(view.sortColumn(), 0);
+    QCOMPARE(view.sortOrder(), Qt::AscendingOrder);
+}
+
+void tst_BandHeaderView::plainViewHasOneCaptionRow()
+{
+    Grid grid;
+    QCOMPARE(grid.viewType(), ViewType::Table);
+    QCOMPARE(grid.bandedView(), nullptr);
+    QStandardItemModel model(2, 3);
+    grid.view()->setModel(&model);
+    QCOMPARE(grid.view()->bandCount(), 0);
+    QCOMPARE(grid.view()->bandRowCount(), 0);
+    grid.setViewType(ViewType::BandedTable);
+    QVERIFY(grid.bandedView());
+    QCOMPARE(grid.view()->columnCount(), 0); // a new root view starts without a model
+}
+
+QTEST_MAIN(tst_BandHeaderView)
+#include "tst_bandheaderview.moc"

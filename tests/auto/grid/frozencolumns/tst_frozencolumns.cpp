@@ -1,0 +1,171 @@
+#include "bandgrid.h"
+
+#include <QScrollBar>
+#include <QStandardItemModel>
+#include <QtTest>
+
+using namespace BandGrid;
+
+class tst_FrozenColumns : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void staysAtLeftWhileScrolled_data();
+    void staysAtLeftWhileScrolled();
+    void onlyLeadingColumnsFreeze();
+    void hidingAFrozenColumnNarrowsTheOverlay();
+    void rowsScrollTogether();
+    void resizeInOverlayReachesMainView();
+    void keyboardKeepsCurrentCellOutFromUnderOverlay();
+    void clickInOverlaySelectsSharedRow();
+
+private:
+    QStandardItemModel *m_model = nullptr;
+    TableView *m_view = nullptr;
+    static const int kColumns = 12;
+    static const int kWidth = 80;
+};
+
+void tst_FrozenColumns::init()
+{
+    m_model = new QStandardItemModel(200, kColumns);
+    for (int r = 0; r < 200; ++r)
+        for (int c = 0; c < kColumns; ++c)
+            m_model->setItem(r, c, new QStandardItem(QStringLiteral("r%1c%2").arg(r).arg(c)));
+    m_view = new TableView;
+    m_view->setModel(m_model);
+    for (int c = 0; c < kColumns; ++c)
+        m_view->column(c)->setWidth(kWidth);
+    m_view->resize(500, 300);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+}
+
+void tst_FrozenColumns::cleanup()
+{
+    delete m_view;
+    delete m_model;
+}
+
+void tst_FrozenColumns::staysAtLeftWhileScrolled_data()
+{
+    QTest::addColumn<int>("frozen");
+    QTest::addColumn<int>("scroll");
+    QTest::newRow("none") << 0 << 150;
+    QTest::newRow("one, not scrolled") << 1 << 0;
+    QTest::newRow("one, scrolled") << 1 << 150;
+    QTest::newRow("two, scrolled to the end") << 2 << 100000;
+    QTest::newRow("three, scrolled by a pixel") << 3 << 1;
+}
+
+void tst_FrozenColumns::staysAtLeftWhileScrolled()
+{
+    QFETCH(int, frozen);
+    QFETCH(int, scroll);
+    for (int c = 0; c < frozen; ++c)
+        m_view->column(c)->setFixedKind(FixedKind::Left);
+    QCOMPARE(m_view->frozenColumnCount(), frozen);
+    QCOMPARE(m_view->frozenWidth(), frozen * kWidth);
+
+    QScrollBar *bar = m_view->horizontalScrollBar();
+    bar->setValue(scroll);
+    const int scrolled = bar->value();
+    QVERIFY(scrolled > 0 || scroll == 0);
+    QCoreApplication::processEvents();
+
+    QTableView *overlay = m_view->frozenView();
+    QCOMPARE(overlay->isVisible(), frozen > 0);
+    if (frozen == 0) {
+        QCOMPARE(m_view->viewportOf(0), m_view->viewport());
+        return;
+    }
+    QCOMPARE(overlay->geometry().left(), m_view->viewport()->geometry().left());
+    QCOMPARE(overlay->width(), frozen * kWidth);
+    QCOMPARE(overlay->horizontalHeader()->height(), m_view->horizontalHeader()->height());
+    for (int c = 0; c < frozen; ++c) {
+        QCOMPARE(m_view->viewportOf(c), overlay->viewport());
+        QCOMPARE(m_view->cellRect(0, c).left(), c * kWidth);
+        QCOMPARE(overlay->horizontalHeader()->sectionViewportPosition(c), c * kWidth);
+    }
+    for (int c = frozen; c < kColumns; ++c)
+        QVERIFY(overlay->isColumnHidden(c));
+    // The scrolling part moved under the overlay.
+    QCOMPARE(m_view->horizontalHeader()->sectionViewportPosition(frozen), frozen * kWidth - scrolled);
+    QCOMPARE(m_view->cellRect(0, frozen).left(), frozen * kWidth - scrolled);
+}
+
+void tst_FrozenColumns::onlyLeadingColumnsFreeze()
+{
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    m_view->column(3)->setFixedKind(FixedKind::Left);
+    QCOMPARE(m_view->frozenColumnCount(), 1);
+    m_view->column(1)->setFixedKind(FixedKind::Left);
+    m_view->column(2)->setFixedKind(FixedKind::Left);
+    QCOMPARE(m_view->frozenColumnCount(), 4);
+    m_view->column(0)->setFixedKind(FixedKind::None);
+    QCOMPARE(m_view->frozenColumnCount(), 0);
+    QVERIFY(!m_view->frozenView()->isVisible());
+}
+
+void tst_FrozenColumns::hidingAFrozenColumnNarrowsTheOverlay()
+{
+    for (int c = 0; c < 3; ++c)
+        m_view->column(c)->setFixedKind(FixedKind::Left);
+    m_view->column(1)->setVisible(false);
+    QCOMPARE(m_view->frozenWidth(), 2 * kWidth);
+    QCOMPARE(m_view->frozenView()->width(), 2 * kWidth);
+    QCOMPARE(m_view->cellRect(0, 2).left(), kWidth);
+    m_view->column(0)->setWidth(30);
+    QCOMPARE(m_view->frozenView()->width(), 30 + kWidth);
+}
+
+void tst_FrozenColumns::rowsScrollTogether()
+{
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    m_view->verticalScrollBar()->setValue(500);
+    QCOMPARE(m_view->frozenView()->verticalScrollBar()->value(), 500);
+    QCOMPARE(m_view->cellRect(20, 0).top(), m_view->visualRect(m_view->model()->index(20, 1)).top());
+    m_view->frozenView()->verticalScrollBar()->setValue(120);
+    QCOMPARE(m_view->verticalScrollBar()->value(), 120);
+}
+
+void tst_FrozenColumns::resizeInOverlayReachesMainView()
+{
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    m_view->frozenView()->horizontalHeader()->resizeSection(0, 140);
+    QCOMPARE(m_view->columnWidth(0), 140);
+    QCOMPARE(m_view->column(0)->width(), 140);
+    QCOMPARE(m_view->frozenView()->width(), 140);
+}
+
+void tst_FrozenColumns::keyboardKeepsCurrentCellOutFromUnderOverlay()
+{
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    m_view->column(1)->setFixedKind(FixedKind::Left);
+    m_view->setFocus();
+    m_view->setCurrentIndex(m_view->model()->index(0, 8));
+    QVERIFY(m_view->horizontalScrollBar()->value() > 0);
+    for (int c = 8; c > 2; --c)
+        QTest::keyClick(m_view, Qt::Key_Left);
+    QCOMPARE(m_view->currentIndex().column(), 2);
+    QVERIFY(m_view->visualRect(m_view->currentIndex()).left() >= m_view->frozenWidth());
+}
+
+void tst_FrozenColumns::clickInOverlaySelectsSharedRow()
+{
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    m_view->horizontalScrollBar()->setValue(200);
+    QSignalSpy focus(m_view, &TableView::focusRowChanged);
+    QTest::mouseClick(m_view->viewportOf(0), Qt::LeftButton, {}, m_view->cellRect(3, 0).center());
+    QCOMPARE(m_view->currentIndex().row(), 3);
+    QVERIFY(m_view->selectionModel()->isRowSelected(3, QModelIndex()));
+    QCOMPARE(focus.count(), 1);
+    QCOMPARE(focus.at(0).at(1).toInt(), 3);
+    // A frozen cell never scrolls the table sideways.
+    QCOMPARE(m_view->horizontalScrollBar()->value(), 200);
+}
+
+QTEST_MAIN(tst_FrozenColumns)
+#include "tst_frozencolumns.moc"

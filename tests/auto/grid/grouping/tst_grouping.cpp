@@ -1,0 +1,208 @@
+#include "bandgrid.h"
+
+#include <QStandardItemModel>
+#include <QtTest>
+
+using namespace BandGrid;
+
+using Steps = QVector<QPair<int, int>>;
+
+// Rows of (industry, name, value); the view groups by industry.
+class tst_Grouping : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void rowCounts_data();
+    void rowCounts();
+    void groupsInOrderWithCounts();
+    void groupRowsSpanAllColumns();
+    void rowsInsideGroupFollowSort();
+    void expandedGroupsSurviveSort();
+    void expanderClickToggles();
+    void keysOpenAndShutGroups();
+    void groupedColumnHiddenWhenAsked();
+    void disabledGroupingRefuses();
+    void endingGroupingRestoresRows();
+
+private:
+    QStandardItemModel *m_model = nullptr;
+    TableView *m_view = nullptr;
+};
+
+void tst_Grouping::init()
+{
+    const QList<QStringList> rows{
+        {"银行", "平安银行", "3"}, {"地产", "万科", "1"}, {"银行", "招商银行", "5"},
+        {"电子", "京东方", "2"}, {"地产", "保利", "4"}, {"银行", "兴业银行", "0"}};
+    m_model = new QStandardItemModel(rows.size(), 3);
+    m_model->setHorizontalHeaderLabels({"行业", "名称", "数值"});
+    for (int r = 0; r < rows.size(); ++r) {
+        for (int c = 0; c < 3; ++c)
+            m_model->setItem(r, c, new QStandardItem(rows.at(r).at(c)));
+        m_model->item(r, 2)->setData(rows.at(r).at(2).toInt(), Qt::UserRole);
+    }
+    m_view = new TableView;
+    m_view->setSortLocale(QLocale(QLocale::Chinese, QLocale::China));
+    m_view->setModel(m_model);
+    m_view->column(2)->setSortRole(Qt::UserRole);
+    m_view->resize(400, 300);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+    m_view->column(0)->setGroupIndex(0);
+}
+
+void tst_Grouping::cleanup()
+{
+    delete m_view;
+    delete m_model;
+}
+
+void tst_Grouping::rowCounts_data()
+{
+    // Groups in pinyin order: 地产 (2 rows), 电子 (1), 银行 (3). Each step is
+    // a group and whether to open (1), shut (0), open all (2) or shut all (3).
+    QTest::addColumn<Steps>("steps");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("all shut at first") << Steps{} << 3;
+    QTest::newRow("open one") << Steps{{2, 1}} << 6;
+    QTest::newRow("open two") << Steps{{2, 1}, {0, 1}} << 8;
+    QTest::newRow("expand all") << Steps{{-1, 2}} << 9;
+    QTest::newRow("expand all, shut one") << Steps{{-1, 2}, {2, 0}} << 6;
+    QTest::newRow("open twice is once") << Steps{{1, 1}, {1, 1}} << 4;
+    QTest::newRow("no such group") << Steps{{7, 1}, {-1, 1}} << 3;
+    QTest::newRow("collapse all") << Steps{{-1, 2}, {-1, 3}} << 3;
+}
+
+void tst_Grouping::rowCounts()
+{
+    QFETCH(Steps, steps);
+    QFETCH(int, rows);
+    for (const auto &step : steps) {
+        if (step.second == 2)
+            m_view->expandAll();
+        else if (step.second == 3)
+            m_view->collapseAll();
+        else
+            m_view->setGroupExpanded(step.first, step.second == 1);
+    }
+    QCOMPARE(m_view->viewRowCount(), rows);
+    int groupRows = 0;
+    for (int r = 0; r < m_view->viewRowCount(); ++r)
+        groupRows += m_view->isGroupRow(r) ? 1 : 0;
+    QCOMPARE(groupRows, 3);
+}
+
+void tst_Grouping::groupsInOrderWithCounts()
+{
+    QCOMPARE(m_view->groupCount(), 3);
+    QCOMPARE(m_view->groupCaption(0), QStringLiteral("行业: 地产  (2)"));
+    QCOMPARE(m_view->groupCaption(1), QStringLiteral("行业: 电子  (1)"));
+    QCOMPARE(m_view->groupCaption(2), QStringLiteral("行业: 银行  (3)"));
+    QCOMPARE(m_view->model()->index(2, 0).data(GroupCountRole).toInt(), 3);
+    QCOMPARE(m_view->sourceRow(0), -1);
+    m_view->expandAll();
+    // 地产: rows 1 and 4 of the model, in their order.
+    QCOMPARE(m_view->sourceRow(1), 1);
+    QCOMPARE(m_view->sourceRow(2), 4);
+    QCOMPARE(m_view->viewRow(4), 2);
+    QVERIFY(m_view->isGroupRow(3));
+    QCOMPARE(m_view->groupCaption(4), QStringLiteral("行业: 电子  (1)"));
+}
+
+void tst_Grouping::groupRowsSpanAllColumns()
+{
+    m_view->setGroupExpanded(0, true);
+    QCOMPARE(m_view->columnSpan(0, 0), 3);
+    QCOMPARE(m_view->columnSpan(3, 0), 3);  // the next group, after two rows
+    QCOMPARE(m_view->columnSpan(1, 0), 1);
+    QCOMPARE(m_view->columnSpan(4, 0), 3);
+}
+
+void tst_Grouping::rowsInsideGroupFollowSort()
+{
+    m_view->expandAll();
+    m_view->sortBy(2, Qt::DescendingOrder);
+    // 银行 holds values 3, 5, 0; it is the third group, after 2 + 1 rows.
+    const int first = 6;  // group rows at 0, 3 and 5
+    QVERIFY(m_view->isGroupRow(first - 1));
+    QCOMPARE(m_view->model()->index(first, 2).data().toString(), QStringLiteral("5"));
+    QCOMPARE(m_view->model()->index(first + 1, 2).data().toString(), QStringLiteral("3"));
+    QCOMPARE(m_view->model()->index(first + 2, 2).data().toString(), QStringLiteral("0"));
+    QCOMPARE(m_view->groupCount(), 3);
+}
+
+void tst_Grouping::expandedGroupsSurviveSort()
+{
+    m_view->setGroupExpanded(2, true);
+    m_view->sortBy(2, Qt::AscendingOrder);
+    QVERIFY(m_view->isGroupExpanded(2));
+    QVERIFY(!m_view->isGroupExpanded(0));
+    QCOMPARE(m_view->viewRowCount(), 6);
+}
+
+void tst_Grouping::expanderClickToggles()
+{
+    QSignalSpy changed(m_view, &TableView::groupExpandedChanged);
+    const QRect groupRow = m_view->cellRect(1, 0);
+    QCOMPARE(groupRow.width(), m_view->columnWidth(0) + m_view->columnWidth(1) + m_view->columnWidth(2));
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(groupRow.left() + 6, groupRow.center().y()));
+    QVERIFY(m_view->isGroupExpanded(1));
+    QCOMPARE(m_view->viewRowCount(), 4);
+    QCOMPARE(changed.count(), 1);
+    // A single click beside the expander only selects.
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(0, 0).center() + QPoint(40, 0));
+    QVERIFY(!m_view->isGroupExpanded(0));
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(0, 0).center() + QPoint(40, 0));
+    QVERIFY(m_view->isGroupExpanded(0));
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(groupRow.left() + 6, m_view->cellRect(3, 0).center().y()));
+    QVERIFY(!m_view->isGroupExpanded(1));
+}
+
+void tst_Grouping::keysOpenAndShutGroups()
+{
+    m_view->setFocus();
+    m_view->setCurrentIndex(m_view->model()->index(0, 0));
+    QTest::keyClick(m_view, Qt::Key_Right);
+    QVERIFY(m_view->isGroupExpanded(0));
+    QTest::keyClick(m_view, Qt::Key_Left);
+    QVERIFY(!m_view->isGroupExpanded(0));
+    QTest::keyClick(m_view, Qt::Key_Space);
+    QVERIFY(m_view->isGroupExpanded(0));
+    QTest::keyClick(m_view, Qt::Key_Down);
+    QCOMPARE(m_view->focusedRow(), 1);
+}
+
+void tst_Grouping::groupedColumnHiddenWhenAsked()
+{
+    QVERIFY(!m_view->isColumnHidden(0));
+    m_view->options()->setColumnHidingOnGroupingEnabled(true);
+    QVERIFY(m_view->isColumnHidden(0));
+    QVERIFY(m_view->column(0)->isVisible());   // the column itself is still wanted
+    m_view->groupBy(-1);
+    QVERIFY(!m_view->isColumnHidden(0));
+}
+
+void tst_Grouping::disabledGroupingRefuses()
+{
+    m_view->options()->setGroupingEnabled(false);
+    QCOMPARE(m_view->groupColumn(), -1);
+    QTest::ignoreMessage(QtWarningMsg, "cannot group by column 1");
+    m_view->groupBy(1);
+    QCOMPARE(m_view->groupColumn(), -1);
+    QCOMPARE(m_view->viewRowCount(), 6);
+}
+
+void tst_Grouping::endingGroupingRestoresRows()
+{
+    m_view->column(0)->setGroupIndex(-1);
+    QCOMPARE(m_view->groupColumn(), -1);
+    QCOMPARE(m_view->viewRowCount(), 6);
+    QCOMPARE(m_view->columnSpan(0, 0), 1);
+    for (int r = 0; r < 6; ++r)
+        QCOMPARE(m_view->sourceRow(r), r);
+}
+
+QTEST_MAIN(tst_Grouping)
+#include "tst_grouping.moc"

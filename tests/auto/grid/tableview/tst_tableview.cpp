@@ -1,0 +1,308 @@
+#include "bandgrid.h"
+
+#include <QClipboard>
+#include <QStandardItemModel>
+#include <QtTest>
+
+using namespace BandGrid;
+
+// Clicks, keys and signals of a table view over a small model whose first
+// column holds numbers to sort by, so that view rows and model rows differ.
+class tst_TableView : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void linkClick_data();
+    void linkClick();
+    void linkParse_data();
+    void linkParse();
+    void buttonReportsModelRowAndColumn();
+    void copySelection_data();
+    void copySelection();
+    void focusRowChanged();
+    void deselectAll();
+    void selectionPolicy_data();
+    void selectionPolicy();
+    void zoom();
+    void columnByCaption();
+    void themeAndBorder();
+    void rowsReplacedWithoutReset();
+
+private:
+    QStandardItemModel *m_model = nullptr;
+    TableView *m_view = nullptr;
+};
+
+void tst_TableView::init()
+{
+    const QList<QStringList> rows{
+        {"30", "alpha", "<a href='view:one?id=1'>first</a>", "memo A"},
+        {"10", "beta", "plain-link", "memo B"},
+        {"20", "gamma", "", "memo C"}};
+    m_model = new QStandardItemModel(rows.size(), 4);
+    m_model->setHorizontalHeaderLabels({"num", "name", "link", "memo"});
+    for (int r = 0; r < rows.size(); ++r) {
+        for (int c = 0; c < 4; ++c)
+            m_model->setItem(r, c, new QStandardItem(rows.at(r).at(c)));
+        m_model->item(r, 0)->setData(rows.at(r).at(0).toInt(), Qt::UserRole);
+    }
+    m_view = new TableView;
+    m_view->setModel(m_model);
+    m_view->column(0)->setSortRole(Qt::UserRole);
+    m_view->column(2)->setEditorKind(EditorKind::Link);
+    m_view->column(2)->setWidth(200);
+    m_view->column(2)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_view->column(3)->addButton(QIcon(), QStringLiteral("more"));
+    m_view->sortBy(0, Qt::AscendingOrder); // view rows: beta, gamma, alpha
+    m_view->resize(600, 300);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+}
+
+void tst_TableView::cleanup()
+{
+    delete m_view;
+    delete m_model;
+}
+
+void tst_TableView::linkClick_data()
+{
+    QTest::addColumn<int>("viewRow");
+    QTest::addColumn<int>("xOffset");     // from the cell's left edge
+    QTest::addColumn<QString>("anchor");  // empty: no signal
+    QTest::addColumn<int>("sourceRow");
+    QTest::newRow("anchor in the text") << 2 << 8 << "view:one?id=1" << 0;
+    QTest::newRow("plain text leads to itself") << 0 << 8 << "plain-link" << 1;
+    QTest::newRow("beside the text") << 0 << 190 << "" << -1;
+    QTest::newRow("empty cell") << 1 << 8 << "" << -1;
+}
+
+void tst_TableView::linkClick()
+{
+    QFETCH(int, viewRow);
+    QFETCH(int, xOffset);
+    QFETCH(QString, anchor);
+    QFETCH(int, sourceRow);
+    QSignalSpy links(m_view, &TableView::linkActivated);
+    const QRect cell = m_view->cellRect(viewRow, 2);
+    QTest::mouseClick(m_view->viewportOf(2), Qt::LeftButton, {}, QPoint(cell.left() + xOffset, cell.center().y()));
+    if (anchor.isEmpty()) {
+        QCOMPARE(links.count(), 0);
+        return;
+    }
+    QCOMPARE(links.count(), 1);
+    QCOMPARE(links.at(0).at(0).toString(), anchor);
+    const QModelIndex source = links.at(0).at(1).value<QModelIndex>();
+    QCOMPARE(source.model(), m_model);
+    QCOMPARE(source.row(), sourceRow);
+    QCOMPARE(source.column(), 2);
+}
+
+void tst_TableView::linkParse_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("anchor");
+    QTest::newRow("plain") << "abc" << "abc" << "abc";
+    QTest::newRow("double quotes") << "<a href=\"x?y=1\">go</a>" << "go" << "x?y=1";
+    QTest::newRow("text around") << "see <a href='u'>here</a> now" << "see here now" << "u";
+    QTest::newRow("upper case tag") << "<A HREF='u'>Up</A>" << "Up" << "u";
+    QTest::newRow("broken tag") << "<a href=u>x" << "<a href=u>x" << "<a href=u>x";
+    QTest::newRow("less-than in text") << "1 < 2" << "1 < 2" << "1 < 2";
+}
+
+void tst_TableView::linkParse()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+    QFETCH(QString, anchor);
+    const LinkText link = LinkText::parse(text);
+    QCOMPARE(link.shown, shown);
+    QCOMPARE(link.anchor, anchor);
+}
+
+void tst_TableView::buttonReportsModelRowAndColumn()
+{
+    QSignalSpy fromView(m_view, &TableView::cellButtonClicked);
+    QSignalSpy fromColumn(m_view->column(3), &Column::buttonClicked);
+    const QRect cell = m_view->cellRect(1, 3); // view row 1 is gamma, model row 2
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(cell.right() - 6, cell.center().y()));
+    QCOMPARE(fromView.count(), 1);
+    QCOMPARE(fromView.at(0).at(0).toInt(), 2);
+    QCOMPARE(fromView.at(0).at(1).toInt(), 3);
+    QCOMPARE(fromColumn.count(), 1);
+    QCOMPARE(m_view->column(3)->value(fromColumn.at(0).at(0).toInt()).toString(), QStringLiteral("memo C"));
+    // A click on the text of the cell is no button click.
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(cell.left() + 6, cell.center().y()));
+    QCOMPARE(fromView.count(), 1);
+    QCOMPARE(m_view->focusedRow(), 2);
+}
+
+void tst_TableView::copySelection_data()
+{
+    QTest::addColumn<int>("policy");
+    QTest::addColumn<QRect>("cells");   // x: view columns, y: view rows
+    QTest::addColumn<QVector<int>>("hiddenColumns");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("one cell") << int(SelectionPolicy::MultiCell) << QRect(1, 1, 1, 1) << QVector<int>{}
+                              << "gamma";
+    QTest::newRow("block in view order") << int(SelectionPolicy::MultiCell) << QRect(0, 0, 2, 2)
+                                         << QVector<int>{} << "10\tbeta\n20\tgamma";
+    QTest::newRow("links copy their shown text") << int(SelectionPolicy::MultiCell) << QRect(2, 2, 1, 1)
+                                                 << QVector<int>{} << "first";
+    QTest::newRow("whole rows") << int(SelectionPolicy::MultiRow) << QRect(0, 2, 1, 1) << QVector<int>{}
+                                << "30\talpha\tfirst\tmemo A";
+    QTest::newRow("hidden columns are left out") << int(SelectionPolicy::MultiRow) << QRect(0, 0, 1, 2)
+                                                 << QVector<int>{1, 2} << "10\tmemo B\n20\tmemo C";
+}
+
+void tst_TableView::copySelection()
+{
+    QFETCH(int, policy);
+    QFETCH(QRect, cells);
+    QFETCH(QVector<int>, hiddenColumns);
+    QFETCH(QString, text);
+    m_view->options()->setSelectionPolicy(SelectionPolicy(policy));
+    for (int c : hiddenColumns)
+        m_view->column(c)->setVisible(false);
+    const QItemSelection selection(m_view->model()->index(cells.top(), cells.left()),
+                                   m_view->model()->index(cells.bottom(), cells.right()));
+    m_view->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect
+                                         | (policy == int(SelectionPolicy::MultiRow)
+                                                ? QItemSelectionModel::Rows
+                                                : QItemSelectionModel::NoUpdate));
+    QGuiApplication::clipboard()->clear();
+    m_view->setFocus();
+    QTest::keyClick(m_view, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), text);
+    QCOMPARE(m_view->selectedText(), text);
+}
+
+void tst_TableView::focusRowChanged()
+{
+    m_view->setFocus();
+    m_view->setCurrentIndex(QModelIndex());
+    QCOMPARE(m_view->focusedRow(), -1);
+    QSignalSpy spy(m_view, &TableView::focusRowChanged);
+    m_view->setCurrentIndex(m_view->model()->index(0, 0));
+    QTest::keyClick(m_view, Qt::Key_Down);
+    QTest::keyClick(m_view, Qt::Key_Right);     // same row: no signal
+    QTest::keyClick(m_view, Qt::Key_End, Qt::ControlModifier);
+    QCOMPARE(spy.count(), 3);
+    // Rows of the model: beta (1), then gamma (2), then alpha (0).
+    QCOMPARE(spy.at(0).at(0).toInt(), -1);
+    QCOMPARE(spy.at(0).at(1).toInt(), 1);
+    QCOMPARE(spy.at(1).at(0).toInt(), 1);
+    QCOMPARE(spy.at(1).at(1).toInt(), 2);
+    QCOMPARE(spy.at(2).at(1).toInt(), 0);
+    QCOMPARE(m_view->focusedRow(), 0);
+}
+
+void tst_TableView::deselectAll()
+{
+    m_view->selectAll();
+    QVERIFY(m_view->selectionModel()->hasSelection());
+    m_view->deselectAll();
+    QVERIFY(!m_view->selectionModel()->hasSelection());
+    QCOMPARE(m_view->selectedText(), QString());
+}
+
+void tst_TableView::selectionPolicy_data()
+{
+    QTest::addColumn<int>("policy");
+    QTest::addColumn<int>("behavior");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("none") << int(SelectionPolicy::NoSelection) << -1 << int(QAbstractItemView::NoSelection);
+    QTest::newRow("single row") << int(SelectionPolicy::SingleRow) << int(QAbstractItemView::SelectRows)
+                                << int(QAbstractItemView::SingleSelection);
+    QTest::newRow("rows") << int(SelectionPolicy::MultiRow) << int(QAbstractItemView::SelectRows)
+                          << int(QAbstractItemView::ExtendedSelection);
+    QTest::newRow("single cell") << int(SelectionPolicy::SingleCell) << int(QAbstractItemView::SelectItems)
+                                 << int(QAbstractItemView::SingleSelection);
+    QTest::newRow("cells") << int(SelectionPolicy::MultiCell) << int(QAbstractItemView::SelectItems)
+                           << int(QAbstractItemView::ExtendedSelection);
+}
+
+void tst_TableView::selectionPolicy()
+{
+    QFETCH(int, policy);
+    QFETCH(int, behavior);
+    QFETCH(int, mode);
+    m_view->options()->setSelectionPolicy(SelectionPolicy(policy));
+    QCOMPARE(int(m_view->selectionMode()), mode);
+    QCOMPARE(int(m_view->frozenView()->selectionMode()), mode);
+    if (behavior >= 0)
+        QCOMPARE(int(m_view->selectionBehavior()), behavior);
+}
+
+void tst_TableView::zoom()
+{
+    const int rowHeight = m_view->rowHeight();
+    QWheelEvent wheel(QPointF(20, 20), m_view->viewport()->mapToGlobal(QPoint(20, 20)), QPoint(),
+                      QPoint(0, 120), Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(m_view->viewport(), &wheel);
+    QCOMPARE(m_view->options()->zoomFactor(), 1.0);   // zoom is off unless asked for
+    m_view->options()->setZoomEnabled(true);
+    QCoreApplication::sendEvent(m_view->viewport(), &wheel);
+    QCOMPARE(m_view->options()->zoomFactor(), 1.1);
+    QVERIFY(m_view->rowHeight() > rowHeight);
+    QCOMPARE(m_view->verticalHeader()->defaultSectionSize(), m_view->rowHeight());
+    m_view->options()->setZoomFactor(100);
+    QCOMPARE(m_view->options()->zoomFactor(), 3.0);
+}
+
+void tst_TableView::columnByCaption()
+{
+    QCOMPARE(m_view->columnByCaption(QStringLiteral("name")), m_view->column(1));
+    m_view->column(1)->setCaption(QStringLiteral("Name"));
+    QCOMPARE(m_view->columnByCaption(QStringLiteral("Name")), m_view->column(1));
+    QCOMPARE(m_view->columnByCaption(QStringLiteral("none")), nullptr);
+}
+
+void tst_TableView::themeAndBorder()
+{
+    m_view->setTheme(GridTheme::dark());
+    QCOMPARE(m_view->theme(), GridTheme::dark());
+    QCOMPARE(m_view->palette().color(QPalette::Base), GridTheme::dark().base);
+    QVERIFY(GridTheme::dark() != GridTheme::light());
+    // The cells are painted in the theme's colours.
+    const QImage image = m_view->viewport()->grab().toImage();
+    const QRect cell = m_view->cellRect(0, 1);
+    QCOMPARE(image.pixelColor(cell.right() - 2, cell.top() + 2), GridTheme::dark().base);
+    m_view->options()->setBorderWidth(3);
+    QCOMPARE(m_view->lineWidth(), 3);
+    m_view->options()->setBorderWidth(0);
+    QCOMPARE(m_view->frameShape(), QFrame::NoFrame);
+}
+
+void tst_TableView::rowsReplacedWithoutReset()
+{
+    // A model that replaces its rows and only reports dataChanged.
+    class Rows : public QAbstractTableModel
+    {
+    public:
+        QStringList rows{"a", "b"};
+        int rowCount(const QModelIndex &) const override { return rows.size(); }
+        int columnCount(const QModelIndex &) const override { return 1; }
+        QVariant data(const QModelIndex &i, int role) const override
+        {
+            return role == Qt::DisplayRole ? QVariant(rows.value(i.row())) : QVariant();
+        }
+        void replace(const QStringList &r)
+        {
+            rows = r;
+            emit dataChanged(index(0, 0), index(rows.size() - 1, 0), {});
+        }
+    } model;
+    TableView view;
+    view.setModel(&model);
+    QCOMPARE(view.viewRowCount(), 2);
+    model.replace({"c", "d", "e"});
+    QCOMPARE(view.viewRowCount(), 3);
+    QCOMPARE(view.model()->index(2, 0).data().toString(), QStringLiteral("e"));
+}
+
+QTEST_MAIN(tst_TableView)
+#include "tst_tableview.moc"
