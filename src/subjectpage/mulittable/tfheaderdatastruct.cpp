@@ -42,6 +42,8 @@ void TFTreeStruct::clearChildren()
 {
     qDeleteAll(m_children);
     m_children.clear();
+    // The cached leaves were among the deleted nodes.
+    m_leaves.clear();
 }
 
 bool TFTreeStruct::hasChildren(const TFTreeStruct* node) const

@@ -1,0 +1,310 @@
+#include "mulittable/tfheaderdatastruct.h"
+
+#include <QtTest>
+
+namespace {
+
+HeaderFieldInfo field(const QString& name, const QString& owner = QString(), bool visible = true)
+{
+    HeaderFieldInfo info;
+    info.fieldName = name;
+    info.caption = name;
+    info.ownerBand = owner;
+    info.visible = visible;
+    return info;
+}
+
+HeaderFieldInfo unitField(const QString& name, const QString& owner, const QString& columnType,
+                          const QString& unit, int category, int captionShowType)
+{
+    HeaderFieldInfo info = field(name, owner);
+    info.columnType = columnType;
+    info.showUnit = unit;
+    info.unitCategory = category;
+    info.captionShowType = captionShowType;
+    return info;
+}
+
+QStringList fieldNames(const QList<TFTreeStruct*>& nodes)
+{
+    QStringList names;
+    for (const TFTreeStruct* node : nodes)
+        names << node->info().fieldName;
+    return names;
+}
+
+} // namespace
+
+class tst_TFHeaderDataStruct : public QObject
+{
+    Q_OBJECT
+private slots:
+    void rootOnly();
+    void shapes_data();
+    void shapes();
+    void hiddenRecordsAndGroupNode();
+    void ownerBandLinks();
+    void bandOverridesLeaves_data();
+    void bandOverridesLeaves();
+    void updateUnit_data();
+    void updateUnit();
+    void updateUnitNeverStacks();
+    void leavesCacheBuiltBottomUp();
+    void leafRecordsAreCopies();
+    void findFieldAndFirstUnit();
+    void showBands();
+    void rebuildReplacesChildren();
+};
+
+void tst_TFHeaderDataStruct::rootOnly()
+{
+    TFTreeStruct root(QStringLiteral("root"));
+    QCOMPARE(root.depth(), 1);
+    QVERIFY(root.leaves().isEmpty());
+    QVERIFY(root.nodesAtLevel(1).isEmpty());
+    QVERIFY(!root.hasChildren());
+    QCOMPARE(root.displayCaption(), QStringLiteral("root"));
+    QVERIFY(root.leafCaptions().isEmpty());
+    QVERIFY(root.firstUnit().isEmpty());
+}
+
+void tst_TFHeaderDataStruct::shapes_data()
+{
+    QTest::addColumn<QList<HeaderFieldInfo>>("fields");
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<QStringList>("leaves");
+    QTest::addColumn<QStringList>("levelOne");
+
+    QTest::newRow("flat three") << QList<HeaderFieldInfo>{ field("A"), field("B"), field("C") }
+                                << 2 << QStringList{ "A", "B", "C" } << QStringList{ "A", "B", "C" };
+    QTest::newRow("owner band 0 is top level")
+        << QList<HeaderFieldInfo>{ field("A", "0"), field("B") } << 2 << QStringList{ "A", "B" }
+        << QStringList{ "A", "B" };
+    QTest::newRow("bands two deep")
+        << QList<HeaderFieldInfo>{ field("B1"), field("B2", "B1"), field("X", "B2"), field("Y", "B1"),
+                                   field("Z") }
+        << 4 << QStringList{ "X", "Y", "Z" } << QStringList{ "B1", "Z" };
+    QTest::newRow("one band level")
+        << QList<HeaderFieldInfo>{ field("X", "B"), field("B"), field("Y", "B") }
+        << 3 << QStringList{ "X", "Y" } << QStringList{ "B" };
+    QTest::newRow("band without columns is a leaf")
+        << QList<HeaderFieldInfo>{ field("B"), field("A") } << 2 << QStringList{ "B", "A" }
+        << QStringList{ "B", "A" };
+    QTest::newRow("unknown owner has no column")
+        << QList<HeaderFieldInfo>{ field("A"), field("Q", "nowhere") } << 2 << QStringList{ "A" }
+        << QStringList{ "A" };
+}
+
+void tst_TFHeaderDataStruct::shapes()
+{
+    QFETCH(QList<HeaderFieldInfo>, fields);
+    QFETCH(int, depth);
+    QFETCH(QStringList, leaves);
+    QFETCH(QStringList, levelOne);
+
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, fields, false, QString());
+    QCOMPARE(root.depth(), depth);
+    QCOMPARE(fieldNames(root.leaves()), leaves);
+    QCOMPARE(root.leafCaptions(), leaves);
+    QCOMPARE(fieldNames(root.nodesAtLevel(1)), levelOne);
+    for (TFTreeStruct* child : root.children())
+        QCOMPARE(child->parent(), &root);
+}
+
+void tst_TFHeaderDataStruct::hiddenRecordsAndGroupNode()
+{
+    // A hidden band takes its columns along; the group leaf is hidden, at
+    // the far right, and is the one hidden index.
+    const QList<HeaderFieldInfo> fields{ field("A"), field("HB", QString(), false), field("C1", "HB"),
+                                         field("H", QString(), false), field("D") };
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, fields, true, QStringLiteral("INDU"));
+    QCOMPARE(fieldNames(root.leaves()), (QStringList{ "A", "D", "INDU" }));
+    QCOMPARE(root.hiddenLeafIndexes(), QList<int>{ 2 });
+    const TFTreeStruct* group = root.leaves().last();
+    QCOMPARE(group->displayCaption(), QStringLiteral("INDU"));
+    QCOMPARE(group->info().level, 1);
+    QVERIFY(group->info().ownerBand.isEmpty());
+
+    TFTreeStruct ungrouped(QString{});
+    buildHeaderTree(&ungrouped, fields, false, QStringLiteral("INDU"));
+    QVERIFY(ungrouped.hiddenLeafIndexes().isEmpty());
+}
+
+void tst_TFHeaderDataStruct::ownerBandLinks()
+{
+    // Names of bands that repeat, or that name themselves, still give a tree:
+    // a column hangs under the first band of its name only.
+    const QList<HeaderFieldInfo> fields{ field("B"), field("X", "B"), field("B"), field("S", "S"),
+                                         field("L1", "L2"), field("L2", "L1") };
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, fields, false, QString());
+    QCOMPARE(fieldNames(root.nodesAtLevel(1)), (QStringList{ "B", "B" }));
+    QCOMPARE(fieldNames(root.leaves()), (QStringList{ "X", "B" }));
+    QCOMPARE(root.leaves().first()->parent(), root.children().first());
+}
+
+void tst_TFHeaderDataStruct::bandOverridesLeaves_data()
+{
+    QTest::addColumn<qint64>("bandShow");
+    QTest::addColumn<int>("bandCategory");
+    QTest::addColumn<qint64>("expectedShow");
+    QTest::addColumn<qint64>("expectedPrev");
+    QTest::addColumn<int>("expectedCategory");
+
+    QTest::newRow("band with factors") << qint64(10000) << 1 << qint64(10000) << qint64(100) << 1;
+    QTest::newRow("band with factor 0") << qint64(0) << 1 << qint64(1) << qint64(1) << 2;
+    QTest::newRow("band without category") << qint64(10000) << 0 << qint64(1) << qint64(1) << 2;
+}
+
+void tst_TFHeaderDataStruct::bandOverridesLeaves()
+{
+    QFETCH(qint64, bandShow);
+    QFETCH(int, bandCategory);
+    QFETCH(qint64, expectedShow);
+    QFETCH(qint64, expectedPrev);
+    QFETCH(int, expectedCategory);
+
+    HeaderFieldInfo band = field("B");
+    band.columnType = QStringLiteral("Band");
+    band.showUnitFactor = bandShow;
+    band.prevUnitFactor = 100;
+    band.unitCategory = bandCategory;
+    HeaderFieldInfo mid = field("M", "B");
+    HeaderFieldInfo leaf = field("X", "M");
+    leaf.showUnitFactor = 1;
+    leaf.prevUnitFactor = 1;
+    leaf.unitCategory = 2;
+    mid.showUnitFactor = 1;
+    mid.prevUnitFactor = 1;
+    mid.unitCategory = 2;
+
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, { band, mid, leaf }, false, QString());
+    const TFTreeStruct* x = root.leaves().first();
+    QCOMPARE(x->info().showUnitFactor, expectedShow);
+    QCOMPARE(x->info().prevUnitFactor, expectedPrev);
+    QCOMPARE(x->info().unitCategory, expectedCategory);
+}
+
+void tst_TFHeaderDataStruct::updateUnit_data()
+{
+    QTest::addColumn<QString>("columnType");
+    QTest::addColumn<QString>("showUnit");
+    QTest::addColumn<int>("captionShowType");
+    QTest::addColumn<int>("category");
+    QTest::addColumn<QString>("initial");
+    QTest::addColumn<QString>("afterYi");
+
+    QTest::newRow("unit column, type 1") << "BandedGridColumnWithUnit" << "元" << 1 << 1 << "X(元)" << "X(亿元)";
+    QTest::newRow("band, type 3, any case") << "band" << "元" << 3 << 1 << "X(元)" << "X(亿元)";
+    QTest::newRow("type 2 shows no unit") << "BandedGridColumnWithUnit" << "元" << 2 << 1 << "X" << "X";
+    QTest::newRow("empty unit text") << "BandedGridColumnWithUnit" << "" << 1 << 1 << "X" << "X";
+    QTest::newRow("other category") << "BandedGridColumnWithUnit" << "股" << 1 << 2 << "X(股)" << "X(股)";
+    QTest::newRow("plain column") << "HyperLinkEdit" << "元" << 1 << 1 << "X" << "X";
+}
+
+void tst_TFHeaderDataStruct::updateUnit()
+{
+    QFETCH(QString, columnType);
+    QFETCH(QString, showUnit);
+    QFETCH(int, captionShowType);
+    QFETCH(int, category);
+    QFETCH(QString, initial);
+    QFETCH(QString, afterYi);
+
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, { unitField("X", QString(), columnType, showUnit, category, captionShowType) },
+                    false, QString());
+    const TFTreeStruct* x = root.leaves().first();
+    QCOMPARE(x->displayCaption(), initial);
+    root.updateUnit(QStringLiteral("亿元"), 1);
+    QCOMPARE(x->displayCaption(), afterYi);
+    QCOMPARE(x->info().caption, QStringLiteral("X"));
+}
+
+void tst_TFHeaderDataStruct::updateUnitNeverStacks()
+{
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root,
+                    { unitField("B", QString(), "Band", "元", 1, 1),
+                      unitField("X", "B", "BandedGridColumnWithUnit", "元", 1, 3) },
+                    false, QString());
+    root.updateUnit(QStringLiteral("万元"), 1);
+    root.updateUnit(QStringLiteral("亿元"), 1);
+    QCOMPARE(root.children().first()->displayCaption(), QStringLiteral("B(亿元)"));
+    QCOMPARE(root.leafCaptions(), QStringList{ "X(亿元)" });
+    QCOMPARE(root.firstUnit(), QStringLiteral("亿元"));
+}
+
+void tst_TFHeaderDataStruct::leavesCacheBuiltBottomUp()
+{
+    // The cache is emptied by addChild on the same node only: a grandchild
+    // added after the first look stays unseen from above.
+    TFTreeStruct root(QString{});
+    auto* band = new TFTreeStruct(field("B"));
+    band->addChild(new TFTreeStruct(field("X", "B")));
+    root.addChild(band);
+    QCOMPARE(fieldNames(root.leaves()), QStringList{ "X" });
+    band->addChild(new TFTreeStruct(field("Y", "B")));
+    QCOMPARE(fieldNames(band->leaves()), (QStringList{ "X", "Y" }));
+    QCOMPARE(fieldNames(root.leaves()), QStringList{ "X" });
+    root.addChild(new TFTreeStruct(field("Z")));
+    QCOMPARE(fieldNames(root.leaves()), (QStringList{ "X", "Y", "Z" }));
+    QVERIFY(band->children().first()->leaves().isEmpty());
+}
+
+void tst_TFHeaderDataStruct::leafRecordsAreCopies()
+{
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, { field("A"), field("B") }, false, QString());
+    QList<HeaderFieldInfo*> records = root.leafRecords();
+    QCOMPARE(records.size(), 2);
+    records.first()->fieldName = QStringLiteral("changed");
+    QCOMPARE(root.leaves().first()->info().fieldName, QStringLiteral("A"));
+    qDeleteAll(records);
+}
+
+void tst_TFHeaderDataStruct::findFieldAndFirstUnit()
+{
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root,
+                    { field("B"), field("X", "B"),
+                      unitField("Y", "B", "BandedGridColumnWithUnit", "万股", 2, 1) },
+                    false, QString());
+    QCOMPARE(root.findField("Y")->info().showUnit, QStringLiteral("万股"));
+    QVERIFY(!root.findField("nothing"));
+    QCOMPARE(root.firstUnit(), QStringLiteral("万股"));
+    QCOMPARE(root.findField("X")->firstUnit(), QString());
+}
+
+void tst_TFHeaderDataStruct::showBands()
+{
+    TFTreeStruct root(QString{});
+    auto* band = new TFTreeStruct(field("B", QString(), false));
+    band->addChild(new TFTreeStruct(field("X", "B", false)));
+    root.addChild(band);
+    root.addChild(new TFTreeStruct(field("Y", QString(), false)));
+    root.showBands();
+    QVERIFY(band->info().visible);
+    QVERIFY(!band->children().first()->info().visible);
+    QVERIFY(!root.children().last()->info().visible);
+}
+
+void tst_TFHeaderDataStruct::rebuildReplacesChildren()
+{
+    TFTreeStruct root(QString{});
+    buildHeaderTree(&root, { field("A"), field("B") }, false, QString());
+    QCOMPARE(root.leaves().size(), 2);
+    buildHeaderTree(&root, { field("C") }, false, QString());
+    QCOMPARE(fieldNames(root.children()), QStringList{ "C" });
+    QCOMPARE(fieldNames(root.leaves()), QStringList{ "C" });
+    // Nothing visible: the old nodes are gone and so are their leaves.
+    buildHeaderTree(&root, { field("H", QString(), false) }, false, QString());
+    QVERIFY(!root.hasChildren());
+    QVERIFY(root.leaves().isEmpty());
+}
+
+QTEST_APPLESS_MAIN(tst_TFHeaderDataStruct)
+#include "tst_tfheaderdatastruct.moc"
