@@ -108,7 +108,7 @@ int main(int argc, char *argv[])
 
     for (const Workload &workload : {Workload{"page of view 260", plainPage},
                                      Workload{"filtered, ordered page of view 260", filteredPage}}) {
-        std::vector<Result> results(size_t(clients));
+        std::vector<Result> results(static_cast<size_t>(clients));
         std::vector<std::thread> threads;
         std::atomic<bool> stop{false};
         const auto begin = std::chrono::steady_clock::now();
