@@ -169,6 +169,8 @@ void BandHeaderView::paintEvent(QPaintEvent *event)
         paintCaption(painter, sectionRect(logical), columnCaption(logical),
                      alignment | Qt::AlignVCenter, arrow);
     }
+    // Beside the frozen overlay, the main header's left part is covered.
+    const int frozenLeft = m_owner->bandHeader() == this ? m_owner->frozenWidth() : 0;
     for (int b = 0; b < m_owner->bandCount(); ++b) {
         const QRect rect = bandRect(b);
         if (rect.isEmpty() || !rect.intersects(event->rect()))
@@ -177,7 +179,18 @@ void BandHeaderView::paintEvent(QPaintEvent *event)
         // alignment of the columns below.
         const Band *band = m_owner->band(b);
         Qt::Alignment alignment = band->textAlignment() ? band->textAlignment() : Qt::AlignCenter;
-        paintCaption(painter, rect, band->caption(), alignment, 0);
+        paintCaption(painter, rect, QString(), alignment, 0);
+        // The caption sits over the part of the band in sight, so that a band
+        // half scrolled under the frozen columns can still be read.
+        QRect seen = rect.intersected(QRect(frozenLeft, 0, viewport()->width() - frozenLeft,
+                                            viewport()->height()));
+        if (seen.width() < 24)
+            seen = rect;
+        const QRect textRect = seen.adjusted(4, 1, -4, -1);
+        painter.setPen(theme.headerText);
+        painter.drawText(textRect, int(alignment),
+                         painter.fontMetrics().elidedText(band->caption(), Qt::ElideRight,
+                                                          textRect.width()));
     }
     if (m_frozenEdge) {
         painter.setPen(theme.frozenEdge);
