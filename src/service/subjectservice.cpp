@@ -73,7 +73,10 @@ void Server::Private::installRoutes()
         }
     });
     http->set_payload_max_length(8 * 1024 * 1024);
-    http->new_task_queue = [] { return new httplib::ThreadPool(16); };
+    // The terminal opens a new connection per request; the load program and
+    // other clients keep theirs.
+    http->set_keep_alive_max_count(100);
+    http->new_task_queue = [] { return new httplib::ThreadPool(32); };
 }
 
 Server::Server(const Options &options) : d(new Private(options)) {}

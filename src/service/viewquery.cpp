@@ -108,7 +108,9 @@ bool ViewQuery::orderClause(const QList<QPair<QString, int>> &order, const QStri
         }
         pieces << QStringLiteral("\"%1\" %2").arg(column->name, term.second < 0 ? QLatin1String("DESC") : QLatin1String("ASC"));
     }
-    pieces << QStringLiteral("rowid");   // a stable order, so that pages never overlap
+    // A stable order, so that pages never overlap; running the same way as the
+    // first term lets SQLite walk an index on that column instead of sorting.
+    pieces << (!terms.isEmpty() && terms.first().second < 0 ? QStringLiteral("rowid DESC") : QStringLiteral("rowid"));
     *sql = QStringLiteral(" ORDER BY ") + pieces.join(QLatin1String(", "));
     return true;
 }

@@ -4,6 +4,9 @@
 #include "subjectservice.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QJsonArray>
 #include <QSet>
 #include <QtTest>
@@ -50,6 +53,7 @@ private slots:
     void everyView();
     void menuAgreesWithCatalogue();
     void concurrentClients();
+    void executable();
 
 private:
     QUrl base() const { return m_server->baseUrl(); }
@@ -794,6 +798,33 @@ void tst_SubjectService::concurrentClients()
     for (std::thread &t : threads)
         t.join();
     QCOMPARE(mismatches.load(), 0);
+}
+
+void tst_SubjectService::executable()
+{
+    const QString program = QStringLiteral(SUBJECT_BIN_DIR "/subject-service");
+    if (!QFileInfo::exists(program))
+        QSKIP("subject-service is not built in this tree");
+    QProcess process;
+    process.start(program, {"--port", "0", "--db", m_server->databasePath(), "--token", "t"});
+    QVERIFY(process.waitForStarted(10000));
+    QTRY_VERIFY_WITH_TIMEOUT(process.canReadLine(), 60000);
+    const QString line = QString::fromUtf8(process.readLine()).trimmed();
+    const QRegularExpressionMatch m = QRegularExpression("^listening on (http://127\\.0\\.0\\.1:(\\d+))$").match(line);
+    QVERIFY2(m.hasMatch(), qPrintable(line));
+    QVERIFY(m.captured(2).toInt() > 0);
+    const ServiceReply reply = postToService(QUrl(m.captured(1)), "/bas/ds/data", R"j({"objId":390})j", "t");
+    QCOMPARE(reply.httpStatus, 200);
+    QCOMPARE(reply.state(), 1);
+    QCOMPARE(process.readAll().trimmed(), QByteArray());   // exactly one line
+    process.terminate();
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitCode(), 0);
+
+    QProcess bad;
+    bad.start(program, {"--port", "70000"});
+    QVERIFY(bad.waitForFinished(10000));
+    QCOMPARE(bad.exitCode(), 2);
 }
 
 QTEST_GUILESS_MAIN(tst_SubjectService)
