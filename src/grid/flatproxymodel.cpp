@@ -140,6 +140,16 @@ void FlatProxyModel::onSourceDataChanged(const QModelIndex &topLeft, const QMode
     }
     if (rowCount() == 0 || !topLeft.isValid() || !bottomRight.isValid())
         return;
+    switch (effectOfDataChange(topLeft.column(), bottomRight.column(), roles)) {
+    case DataChangeEffect::NewRows:
+        resetMapping();
+        return;
+    case DataChangeEffect::NewOrder:
+        relayout();
+        break;
+    case DataChangeEffect::None:
+        break;
+    }
     // Rows may sit anywhere here; the columns are the same.
     emit dataChanged(index(0, topLeft.column()), index(rowCount() - 1, bottomRight.column()), roles);
 }

@@ -42,6 +42,15 @@ public:
 protected:
     // Recomputes the mapping from the source as it is now.
     virtual void rebuild() = 0;
+    // What a change of data in some columns and roles does to the rows
+    // here: nothing, a new order (same rows), or new rows altogether.
+    enum class DataChangeEffect { None, NewOrder, NewRows };
+    virtual DataChangeEffect effectOfDataChange(int firstColumn, int lastColumn,
+                                                const QVector<int> &roles) const
+    {
+        Q_UNUSED(firstColumn) Q_UNUSED(lastColumn) Q_UNUSED(roles)
+        return DataChangeEffect::None;
+    }
 
     int sourceRowCount() const { return m_sourceRows; }
     void resetMapping();

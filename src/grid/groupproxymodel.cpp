@@ -218,3 +218,16 @@ void GroupProxyModel::layOutRows()
 }
 
 } // namespace BandGrid
+
+namespace BandGrid {
+
+FlatProxyModel::DataChangeEffect GroupProxyModel::effectOfDataChange(int firstColumn, int lastColumn,
+                                                              const QVector<int> &roles) const
+{
+    // New texts in the grouped column may move rows to other groups.
+    const bool moves = m_column >= firstColumn && m_column <= lastColumn
+        && (roles.isEmpty() || roles.contains(Qt::DisplayRole));
+    return moves ? DataChangeEffect::NewRows : DataChangeEffect::None;
+}
+
+} // namespace BandGrid

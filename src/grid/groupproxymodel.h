@@ -46,6 +46,8 @@ public:
 
 protected:
     void rebuild() override;
+    DataChangeEffect effectOfDataChange(int firstColumn, int lastColumn,
+                                        const QVector<int> &roles) const override;
 
 private:
     struct Group {

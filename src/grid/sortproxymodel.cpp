@@ -55,3 +55,16 @@ void SortProxyModel::rebuild()
 }
 
 } // namespace BandGrid
+
+namespace BandGrid {
+
+FlatProxyModel::DataChangeEffect SortProxyModel::effectOfDataChange(int firstColumn, int lastColumn,
+                                                              const QVector<int> &roles) const
+{
+    // New values in the sorted column and role are sorted again.
+    const bool moves = m_column >= firstColumn && m_column <= lastColumn
+        && (roles.isEmpty() || roles.contains(m_role));
+    return moves ? DataChangeEffect::NewOrder : DataChangeEffect::None;
+}
+
+} // namespace BandGrid

@@ -31,6 +31,8 @@ public:
 
 protected:
     void rebuild() override;
+    DataChangeEffect effectOfDataChange(int firstColumn, int lastColumn,
+                                        const QVector<int> &roles) const override;
 
 private:
     int m_column = -1;

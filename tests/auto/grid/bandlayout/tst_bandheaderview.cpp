@@ -1,6 +1,9 @@
 #include "bandgrid.h"
 
+#include <QScrollBar>
 #include <QStandardItemModel>
+
+#include <climits>
 #include <QtTest>
 
 using namespace BandGrid;
@@ -22,6 +25,8 @@ private slots:
     void bandNestingRefusesCycles();
     void pressOnBandDoesNotSort();
     void plainViewHasOneCaptionRow();
+    void captionCentredOverItsColumns_data();
+    void captionCentredOverItsColumns();
 
 private:
     static void build(BandedTableView &view, QStandardItemModel &model, const IntList &parents,
@@ -225,6 +230,62 @@ void tst_BandHeaderView::plainViewHasOneCaptionRow()
     grid.setViewType(ViewType::BandedTable);
     QVERIFY(grid.bandedView());
     QCOMPARE(grid.view()->columnCount(), 0); // a new root view starts without a model
+}
+
+// The horizontal middle of the dark pixels of a caption within a rectangle.
+static qreal inkCentre(const QImage &image, const QRect &rect)
+{
+    int left = INT_MAX;
+    int right = INT_MIN;
+    for (int y = rect.top() + 2; y < rect.bottom() - 1; ++y) {
+        for (int x = rect.left() + 2; x < rect.right() - 1; ++x) {
+            if (image.pixelColor(x, y).lightness() < 140) {
+                left = qMin(left, x);
+                right = qMax(right, x);
+            }
+        }
+    }
+    return left <= right ? (left + right) / 2.0 : -1;
+}
+
+void tst_BandHeaderView::captionCentredOverItsColumns_data()
+{
+    QTest::addColumn<int>("frozen");
+    QTest::addColumn<int>("scroll");
+    QTest::newRow("not scrolled") << 0 << 0;
+    QTest::newRow("scrolled") << 0 << 70;
+    QTest::newRow("half under frozen columns") << 1 << 120;
+}
+
+void tst_BandHeaderView::captionCentredOverItsColumns()
+{
+    QFETCH(int, frozen);
+    QFETCH(int, scroll);
+    QStandardItemModel model;
+    BandedTableView view;
+    // Column 0 alone, then a band over columns 1 to 3, then room to scroll.
+    build(view, model, IntList{-1}, IntList{-1, 0, 0, 0, -1, -1}, IntList{60, 90, 70, 80, 300, 300});
+    view.band(0)->setCaption(QStringLiteral("Quotes"));
+    for (int c = 0; c < frozen; ++c)
+        view.column(c)->setFixedKind(FixedKind::Left);
+    view.resize(500, 200);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    view.horizontalScrollBar()->setValue(scroll);
+    QCOMPARE(view.horizontalScrollBar()->value(), scroll);
+
+    BandHeaderView *header = view.bandHeader();
+    const QRect band = header->bandRect(0);
+    QCOMPARE(band.width(), 240);
+    QCOMPARE(band.left(), 60 - scroll);
+    const QImage image = header->viewport()->grab().toImage();
+    // What is in sight of the band: right of the frozen columns.
+    const int seenLeft = qMax(band.left(), view.frozenWidth());
+    const QRect seen(seenLeft, band.top(), band.right() - seenLeft + 1, band.height());
+    const qreal centre = inkCentre(image, seen);
+    QVERIFY2(qAbs(centre - QRectF(seen).center().x()) <= 3,
+             qPrintable(QStringLiteral("ink centred at %1, band part in sight at %2")
+                            .arg(centre).arg(QRectF(seen).center().x())));
 }
 
 QTEST_MAIN(tst_BandHeaderView)

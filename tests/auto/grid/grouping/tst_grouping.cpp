@@ -25,6 +25,7 @@ private slots:
     void groupedColumnHiddenWhenAsked();
     void disabledGroupingRefuses();
     void endingGroupingRestoresRows();
+    void changedTextMovesRowToItsGroup();
 
 private:
     QStandardItemModel *m_model = nullptr;
@@ -202,6 +203,20 @@ void tst_Grouping::endingGroupingRestoresRows()
     QCOMPARE(m_view->columnSpan(0, 0), 1);
     for (int r = 0; r < 6; ++r)
         QCOMPARE(m_view->sourceRow(r), r);
+}
+
+void tst_Grouping::changedTextMovesRowToItsGroup()
+{
+    m_view->expandAll();
+    m_model->item(3, 0)->setText(QStringLiteral("银行"));   // 京东方 leaves 电子
+    QCOMPARE(m_view->groupCount(), 2);
+    QCOMPARE(m_view->groupCaption(3), QStringLiteral("行业: 银行  (4)"));
+    QVERIFY(m_view->isGroupExpanded(1));
+    m_model->item(0, 0)->setText(QStringLiteral("保险"));   // a new group, shut
+    QCOMPARE(m_view->groupCount(), 3);
+    QCOMPARE(m_view->groupCaption(0), QStringLiteral("行业: 保险  (1)"));
+    QVERIFY(!m_view->isGroupExpanded(0));
+    QCOMPARE(m_view->columnSpan(0, 0), 3);
 }
 
 QTEST_MAIN(tst_Grouping)

@@ -9,6 +9,20 @@ using namespace BandGrid;
 // The role a data model keeps its sort values in.
 static const int kSortRole = 274;
 
+// A model that counts how often the sort role is read.
+class CountingModel : public QStandardItemModel
+{
+public:
+    using QStandardItemModel::QStandardItemModel;
+    mutable int reads = 0;
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (role == kSortRole)
+            ++reads;
+        return QStandardItemModel::data(index, role);
+    }
+};
+
 class tst_Sorting : public QObject
 {
     Q_OBJECT
@@ -18,6 +32,8 @@ private slots:
     void readsEachValueOncePerSort();
     void currentRowFollowsItsData();
     void newRowsAreSortedAgain();
+    void changedValuesAreSortedAgain();
+    void otherChangesKeepTheOrder();
     void headerClickTogglesOrder();
     void noSortWhenDisabled();
 
@@ -127,20 +143,6 @@ void tst_Sorting::byRole()
     QCOMPARE(shown, expected);
 }
 
-// A model that counts how often the sort role is read.
-class CountingModel : public QStandardItemModel
-{
-public:
-    using QStandardItemModel::QStandardItemModel;
-    mutable int reads = 0;
-    QVariant data(const QModelIndex &index, int role) const override
-    {
-        if (role == kSortRole)
-            ++reads;
-        return QStandardItemModel::data(index, role);
-    }
-};
-
 void tst_Sorting::readsEachValueOncePerSort()
 {
     CountingModel model(1000, 1);
@@ -184,6 +186,42 @@ void tst_Sorting::newRowsAreSortedAgain()
     item->setData(7, kSortRole);
     model->appendRow(item);
     QCOMPARE(column(view.model()), (QStringList{"7", "5", "3"}));
+}
+
+void tst_Sorting::changedValuesAreSortedAgain()
+{
+    QScopedPointer<QStandardItemModel> model(modelOf({5, 3, 9}));
+    TableView view;
+    view.setModel(model.data());
+    view.column(0)->setSortRole(kSortRole);
+    view.sortBy(0, Qt::AscendingOrder);
+    view.setFocusedRow(0); // 5, in the middle
+    model->item(0)->setData(10, kSortRole);
+    model->item(0)->setText(QStringLiteral("10"));
+    QCOMPARE(column(view.model()), (QStringList{"3", "9", "10"}));
+    QCOMPARE(view.currentIndex().row(), 2);  // the current row went with it
+    QCOMPARE(view.focusedRow(), 0);
+}
+
+void tst_Sorting::otherChangesKeepTheOrder()
+{
+    CountingModel model(3, 2);
+    for (int r = 0; r < 3; ++r) {
+        auto *item = new QStandardItem;
+        item->setData(3 - r, kSortRole);
+        model.setItem(r, 0, item);
+        model.setItem(r, 1, new QStandardItem(QStringLiteral("x")));
+    }
+    TableView view;
+    view.setModel(&model);
+    view.column(0)->setSortRole(kSortRole);
+    view.sortBy(0, Qt::AscendingOrder);
+    const int reads = model.reads;
+    model.item(1, 1)->setText(QStringLiteral("y"));          // another column
+    model.item(1, 0)->setData(QStringLiteral("t"), Qt::ToolTipRole); // another role
+    QCOMPARE(model.reads, reads);
+    QCOMPARE(view.sourceRow(0), 2);
+    QCOMPARE(view.model()->index(1, 1).data().toString(), QStringLiteral("y"));
 }
 
 void tst_Sorting::headerClickTogglesOrder()

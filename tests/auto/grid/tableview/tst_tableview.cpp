@@ -1,6 +1,7 @@
 #include "bandgrid.h"
 
 #include <QClipboard>
+#include <QRubberBand>
 #include <QStandardItemModel>
 #include <QtTest>
 
@@ -29,6 +30,10 @@ private slots:
     void columnByCaption();
     void themeAndBorder();
     void rowsReplacedWithoutReset();
+    void gridLines_data();
+    void gridLines();
+    void columnFontSizesTheHeader();
+    void rubberBandFollowsTheDrag();
 
 private:
     QStandardItemModel *m_model = nullptr;
@@ -302,6 +307,71 @@ void tst_TableView::rowsReplacedWithoutReset()
     model.replace({"c", "d", "e"});
     QCOMPARE(view.viewRowCount(), 3);
     QCOMPARE(view.model()->index(2, 0).data().toString(), QStringLiteral("e"));
+}
+
+void tst_TableView::gridLines_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<bool>("horizontal");
+    QTest::addColumn<bool>("vertical");
+    QTest::newRow("none") << int(NoLines) << false << false;
+    QTest::newRow("horizontal") << int(HorizontalLines) << true << false;
+    QTest::newRow("vertical") << int(VerticalLines) << false << true;
+    QTest::newRow("both") << int(AllLines) << true << true;
+}
+
+void tst_TableView::gridLines()
+{
+    QFETCH(int, lines);
+    QFETCH(bool, horizontal);
+    QFETCH(bool, vertical);
+    GridTheme theme = GridTheme::light();
+    theme.gridLine = QColor(255, 0, 0);
+    m_view->setTheme(theme);
+    m_view->options()->setAlternatingRowColors(false);
+    m_view->options()->setGridLines(GridLines(lines));
+    m_view->setCurrentIndex(QModelIndex());
+    m_view->deselectAll();
+    const QImage image = m_view->viewport()->grab().toImage();
+    const QRect cell = m_view->cellRect(1, 1);
+    // Probes away from the text: the bottom edge near the left, the right
+    // edge near the top.
+    QCOMPARE(image.pixelColor(cell.left() + 1, cell.bottom()) == theme.gridLine, horizontal);
+    QCOMPARE(image.pixelColor(cell.right(), cell.top() + 1) == theme.gridLine, vertical);
+    QCOMPARE(image.pixelColor(cell.left() + 1, cell.top() + 1), theme.base);
+}
+
+void tst_TableView::columnFontSizesTheHeader()
+{
+    const int before = m_view->horizontalHeader()->height();
+    QFont big = m_view->font();
+    big.setPointSize(big.pointSize() * 3);
+    m_view->options()->setColumnFont(big);
+    QCOMPARE(m_view->captionFont(), big);
+    QVERIFY(m_view->horizontalHeader()->height() > before);
+    QCOMPARE(m_view->horizontalHeader()->height(), QFontMetrics(big).height() + 8);
+    // The cells keep the view's font.
+    QCOMPARE(m_view->cellFont(), m_view->font());
+}
+
+void tst_TableView::rubberBandFollowsTheDrag()
+{
+    m_view->options()->setSelectionPolicy(SelectionPolicy::MultiCell);
+    m_view->options()->setRubberBandSelection(true);
+    QWidget *viewport = m_view->viewport();
+    const QPoint from = m_view->cellRect(0, 0).center();
+    const QPoint to = m_view->cellRect(2, 1).center();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &move);
+    auto *band = viewport->findChild<QRubberBand *>();
+    QVERIFY(band);
+    QVERIFY(band->isVisible());
+    QCOMPARE(band->geometry(), QRect(from, to).normalized());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
+    QVERIFY(!band->isVisible());
+    QCOMPARE(m_view->selectedText(), QStringLiteral("10\tbeta\n20\tgamma\n30\talpha"));
 }
 
 QTEST_MAIN(tst_TableView)
