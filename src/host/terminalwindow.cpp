@@ -29,7 +29,12 @@ TerminalWindow::TerminalWindow(const PluginLoader *plugins, QWidget *parent)
     m_tabs->setTabsClosable(true);
     m_tabs->setMovable(true);
     m_tabs->tabBar()->setObjectName(QStringLiteral("TerminalTabBar"));
+    m_tabs->tabBar()->setDrawBase(false);
     connect(m_tabs, &QTabWidget::tabCloseRequested, this, &TerminalWindow::slotCloseTab);
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
+        setWindowTitle(index < 0 ? tr("Subject Terminal")
+                                 : tr("%1 - Subject Terminal").arg(m_tabs->tabText(index)));
+    });
     setCentralWidget(m_tabs);
 
     m_serviceLabel->setObjectName(QStringLiteral("ServiceLabel"));
