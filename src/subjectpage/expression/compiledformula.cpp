@@ -17,17 +17,24 @@ bool isDecimalLiteral(const QString &text)
     return !text.isEmpty() && dots <= 1;
 }
 
-// Recursive descent over the elements:
+struct CheckedPiece
+{
+    QString text;
+    int type = 0;
+    bool isSplice = false;
+};
+
+// Recursive descent over the pieces:
 //   sum     := product (("+" | "-") product)*
 //   product := unary (("*" | "/" | "%") unary)*
 //   unary   := ("+" | "-") unary | primary
-//   primary := number | field | "(" sum ")"
+//   primary := number | splice | "(" sum ")"
 // Nesting is bounded so that a hostile formula cannot exhaust the stack; a
 // deeper one simply takes the slow road.
 class ArithmeticChecker
 {
 public:
-    explicit ArithmeticChecker(const QVector<FormulaElement> &elements) : m_elements(elements) {}
+    explicit ArithmeticChecker(const QVector<CheckedPiece> &elements) : m_elements(elements) {}
 
     bool check()
     {
@@ -87,14 +94,14 @@ private:
     {
         if (m_position >= m_elements.size() || depth > MaxDepth)
             return false;
-        const FormulaElement &element = m_elements.at(m_position);
-        if (element.type == TFElement::Number) {
-            if (!isDecimalLiteral(element.text))
-                return false;
+        const CheckedPiece &element = m_elements.at(m_position);
+        if (element.isSplice) {
             ++m_position;
             return true;
         }
-        if (element.type == TFElement::String) {
+        if (element.type == TFElement::Number) {
+            if (!isDecimalLiteral(element.text))
+                return false;
             ++m_position;
             return true;
         }
@@ -110,47 +117,100 @@ private:
         return false;
     }
 
-    const QVector<FormulaElement> &m_elements;
+    const QVector<CheckedPiece> &m_elements;
     int m_position = 0;
 };
 
 } // namespace
 
-// The glued text puts elements side by side with nothing between them, so
-// "+" "+" would reach the engine as "++": that is not arithmetic.
-bool CompiledFormula::checkArithmetic()
+// Merges words into calls as the parser will once every field is a number,
+// and gives the pieces of the glued text. A field inside a merged call, or a
+// word that is no call, is not arithmetic.
+bool CompiledFormula::buildPieces(QVector<Piece> &pieces)
 {
-    for (int i = 1; i < elements.size(); ++i) {
-        const FormulaElement &previous = elements.at(i - 1);
-        const FormulaElement &current = elements.at(i);
-        if (previous.type == TFElement::Operator && current.type == TFElement::Operator
-            && previous.text == current.text
-            && (current.text == QLatin1String("+") || current.text == QLatin1String("-")))
-            return false;
+    auto addSplice = [&](Splice::Kind kind, const QString &text) {
+        Splice splice;
+        splice.kind = kind;
+        splice.text = text;
+        splice.afterMinus = !pieces.isEmpty() && pieces.constLast().text == QLatin1String("-");
+        Piece piece;
+        piece.splice = m_splices.size();
+        m_splices.append(splice);
+        pieces.append(piece);
+    };
+
+    for (int i = 0; i < elements.size(); ++i) {
+        const FormulaElement &element = elements.at(i);
+        switch (element.type) {
+        case TFElement::String:
+            addSplice(Splice::Field, element.text);
+            break;
+        case TFElement::Function:
+            addSplice(Splice::Call, element.text);
+            break;
+        case TFElement::Variable: {
+            if (i + 1 >= elements.size() || elements.at(i + 1).type == TFElement::String
+                || elements.at(i + 1).text != QLatin1String("("))
+                return false;
+            QString call = element.text + QLatin1Char('(');
+            ++i;
+            while (i + 1 < elements.size()) {
+                ++i;
+                if (elements.at(i).type == TFElement::String)
+                    return false;
+                call += elements.at(i).text;
+                if (elements.at(i).text == QLatin1String(")"))
+                    break;
+            }
+            addSplice(Splice::Call, call);
+            break;
+        }
+        default:
+            pieces.append({ element.text, element.type, -1 });
+            break;
+        }
     }
-    return ArithmeticChecker(elements).check();
+    return true;
 }
 
 QString CompiledFormula::functionSource()
 {
     m_compileTried = true;
-    m_arithmetic = checkArithmetic();
-    if (!m_arithmetic)
+    QVector<Piece> pieces;
+    if (!buildPieces(pieces)) {
+        m_splices.clear();
         return QString();
+    }
+
+    QVector<CheckedPiece> checked;
+    checked.reserve(pieces.size());
+    for (const Piece &piece : pieces)
+        checked.append({ piece.text, piece.type, piece.splice >= 0 });
+    // The glued text puts pieces side by side with nothing between them,
+    // so "+" "+" would reach the engine as "++": that is not arithmetic.
+    for (int i = 1; i < checked.size(); ++i) {
+        const CheckedPiece &previous = checked.at(i - 1);
+        const CheckedPiece &current = checked.at(i);
+        if (previous.type == TFElement::Operator && current.type == TFElement::Operator
+            && previous.text == current.text
+            && (current.text == QLatin1String("+") || current.text == QLatin1String("-"))) {
+            m_splices.clear();
+            return QString();
+        }
+    }
+    if (!ArithmeticChecker(checked).check()) {
+        m_splices.clear();
+        return QString();
+    }
 
     QStringList parameters;
     QString body;
-    for (int i = 0; i < elements.size(); ++i) {
-        const FormulaElement &element = elements.at(i);
-        if (element.type != TFElement::String) {
-            body += element.text;
+    for (const Piece &piece : pieces) {
+        if (piece.splice < 0) {
+            body += piece.text;
             continue;
         }
-        const QString name = QStringLiteral("f%1").arg(m_fields.size());
-        Field field;
-        field.element = i;
-        field.afterMinus = i > 0 && elements.at(i - 1).text == QLatin1String("-");
-        m_fields.append(field);
+        const QString name = QStringLiteral("p%1").arg(piece.splice);
         parameters.append(name);
         body += name;
     }

@@ -5,8 +5,6 @@
 #include <QString>
 #include <QVector>
 
-class QJSEngine;
-
 // One element as the scan left it.
 struct FormulaElement
 {
@@ -20,12 +18,12 @@ struct FormulaElement
 // reader started fresh (nothing read yet, or a splitter last), so the parser
 // keeps one of these per text and start.
 //
-// A formula that is nothing but numbers, fields, operators and parentheses
-// is also compiled once into a script function whose parameters are its
-// fields. Calling that function with the field values gives exactly what the
-// engine gives for the glued text, as long as every value is a plain decimal
-// that does not fuse with its neighbours; the parser checks that per row and
-// falls back to the glued text otherwise.
+// A formula that is nothing but numbers, fields, calls, operators and
+// parentheses is also compiled once into a script function whose parameters
+// are its fields and the results of its calls. Calling that function gives
+// exactly what the engine gives for the glued text as long as every value
+// spliced in is a plain decimal that cannot fuse with its neighbours; the
+// parser checks that per row and glues the text otherwise.
 class CompiledFormula
 {
 public:
@@ -35,29 +33,38 @@ public:
     // The scan met a character that no element can start with and stopped.
     bool stalled = false;
 
-    // Elements (indices) that are fields, in parameter order, and whether
-    // a "-" stands right before each.
-    struct Field
+    // A value spliced into the glued text: a field of the row, or the result
+    // of a call.
+    struct Splice
     {
-        int element = -1;
+        enum Kind { Field, Call };
+        Kind kind = Field;
+        QString text;          // the field's name, or the call as written
         bool afterMinus = false;
     };
 
-    bool isArithmetic() const { return m_arithmetic; }
-    const QVector<Field> &fields() const { return m_fields; }
+    const QVector<Splice> &splices() const { return m_splices; }
     QJSValue &function() { return m_function; }
 
-    // Decides whether the formula is plain arithmetic and, if so, the text of
-    // the script function that computes it. Empty when it is not.
+    // The text of the script function that computes the formula, or an
+    // empty text when the formula is not plain arithmetic.
     QString functionSource();
     void setFunction(const QJSValue &function) { m_function = function; }
     bool compileTried() const { return m_compileTried; }
 
 private:
-    bool checkArithmetic();
+    // An element of the glued text once every field is in the row: fixed
+    // text, or a splice.
+    struct Piece
+    {
+        QString text;
+        int type = 0;
+        int splice = -1;
+    };
+
+    bool buildPieces(QVector<Piece> &pieces);
 
     bool m_compileTried = false;
-    bool m_arithmetic = false;
-    QVector<Field> m_fields;
+    QVector<Splice> m_splices;
     QJSValue m_function;
 };

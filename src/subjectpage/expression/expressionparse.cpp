@@ -86,6 +86,24 @@ bool isFixedLiteral(const QString &text)
     return digits;
 }
 
+// "0", "12", "0.5": what the engine reads as one number token. It refuses
+// a leading zero such as "05", so that is no decimal here either.
+bool isUnsignedDecimal(const QString &text)
+{
+    const int dot = text.indexOf(QLatin1Char('.'));
+    const int integerDigits = dot < 0 ? text.size() : dot;
+    if (integerDigits == 0 || (integerDigits > 1 && text.at(0) == QLatin1Char('0')))
+        return false;
+    if (dot >= 0 && dot == text.size() - 1)
+        return false;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (i != dot && (c < QLatin1Char('0') || c > QLatin1Char('9')))
+            return false;
+    }
+    return true;
+}
+
 // The engine's answer as a number-like variant, or an invalid one.
 QVariant numberLike(const QVariant &value)
 {
@@ -185,9 +203,9 @@ CompiledFormula *ExpressionParse::scan(const QString &expression)
     return formula;
 }
 
-// The quick road: a compiled function called with the field values. Gives
-// false whenever a value would not splice as a plain number, and the caller
-// then takes the glued text.
+// The quick road: a compiled function called with the values that the glued
+// text would hold. Gives false whenever a value would not splice as a plain
+// number, and the caller then takes the glued text.
 bool ExpressionParse::evaluateArithmetic(CompiledFormula &formula,
                                          const QMap<QString, QVariant> &arguments, QJSValue &value)
 {
@@ -203,9 +221,20 @@ bool ExpressionParse::evaluateArithmetic(CompiledFormula &formula,
         return false;
 
     QJSValueList values;
-    values.reserve(formula.fields().size());
-    for (const CompiledFormula::Field &field : formula.fields()) {
-        const auto argument = arguments.constFind(formula.elements.at(field.element).text);
+    values.reserve(formula.splices().size());
+    for (const CompiledFormula::Splice &splice : formula.splices()) {
+        if (splice.kind == CompiledFormula::Splice::Call) {
+            // Calls give dates, empty texts and signed numbers too; only an
+            // unsigned decimal reads the same spliced or passed.
+            const QString text = evalFunction(splice.text);
+            if (!isUnsignedDecimal(text))
+                return false;
+            bool isInt = false;
+            const int number = text.toInt(&isInt);
+            values.append(isInt ? QJSValue(number) : QJSValue(text.toDouble()));
+            continue;
+        }
+        const auto argument = arguments.constFind(splice.text);
         if (argument == arguments.constEnd())
             return false;
         QString text = argument.value().toString();
@@ -213,12 +242,12 @@ bool ExpressionParse::evaluateArithmetic(CompiledFormula &formula,
             text.remove(0, 1);
         if (text.contains(QLatin1Char('.'))) {
             const QString fixed = QString::number(text.toDouble(), 'f');
-            if (!isFixedLiteral(fixed) || (field.afterMinus && fixed.startsWith(QLatin1Char('-'))))
+            if (!isFixedLiteral(fixed) || (splice.afterMinus && fixed.startsWith(QLatin1Char('-'))))
                 return false;
             values.append(QJSValue(fixed.toDouble()));
         } else {
             const int number = text.toInt();
-            if (field.afterMinus && number < 0)
+            if (splice.afterMinus && number < 0)
                 return false;
             values.append(QJSValue(number));
         }

@@ -45,8 +45,12 @@ TFCustomMath::TFCustomMath()
 
 bool TFCustomMath::callFunction(const QString &name, const QList<QVariant> &args, QVariant &result) const
 {
-    QString key = name.toLower();
-    key.remove(QRegExp(QStringLiteral("\\s")));
+    QString key;
+    key.reserve(name.size());
+    for (QChar c : name) {
+        if (!c.isSpace())
+            key.append(c.toLower());
+    }
 
     const auto text = m_textFunctions.constFind(key);
     if (text != m_textFunctions.constEnd()) {

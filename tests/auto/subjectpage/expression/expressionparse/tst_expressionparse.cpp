@@ -167,6 +167,18 @@ void tst_ExpressionParse::gluedText_data()
     QTest::newRow("nested parentheses")
         << "(([A]+[B])*([A]-[B]))" << Row{ { "A", "4" }, { "B", "1.5" } }
         << "((4+1.500000)*(4-1.500000))";
+    QTest::newRow("merged call") << "[A]*todecimal(2.5)" << Row{ { "A", "2" } } << "2*2.5";
+    QTest::newRow("call at the start") << "todecimal(7)/[A]" << Row{ { "A", "2" } } << "7/2";
+    QTest::newRow("year of today") << "[A]+ofyear()" << Row{ { "A", "1" } } << "1+2026";
+    QTest::newRow("negative call result") << "[A]+todecimal(-3)" << Row{ { "A", "1" } } << "1+-3";
+    QTest::newRow("negative call result behind minus")
+        << "[A]-todecimal(-3)" << Row{ { "A", "1" } } << "1--3";
+    QTest::newRow("date call result") << "2*addyears(1)" << Row() << "2*2027-11-22";
+    QTest::newRow("unknown call") << "[A]+round(1)" << Row{ { "A", "1" } } << "1+";
+    QTest::newRow("field inside a merged call") << "[A]+todecimal([A])" << Row{ { "A", "1" } } << "1+1";
+    QTest::newRow("shortest double text")
+        << "[A]*todecimal(0.30000000000000004)" << Row{ { "A", "3" } } << "3*0.30000000000000004";
+    QTest::newRow("exponent call result") << "[A]*todecimal(1e21)" << Row{ { "A", "2" } } << "2*1e+21";
 }
 
 void tst_ExpressionParse::gluedText()
