@@ -117,6 +117,7 @@ int main(int argc, char *argv[])
                 std::mt19937 rng(unsigned(c) * 7919u + 1u);
                 httplib::Client client(host, port);
                 client.set_keep_alive(true);
+                client.set_tcp_nodelay(true);
                 Result &result = results[size_t(c)];
                 while (!stop.load(std::memory_order_relaxed)) {
                     const QByteArray body = workload.body(rng, pages);

@@ -76,6 +76,9 @@ void Server::Private::installRoutes()
     // The terminal opens a new connection per request; the load program and
     // other clients keep theirs.
     http->set_keep_alive_max_count(100);
+    // Headers and body go out in separate writes; without this, Nagle and the
+    // peer's delayed acknowledgement hold every reply back by tens of ms.
+    http->set_tcp_nodelay(true);
     http->new_task_queue = [] { return new httplib::ThreadPool(32); };
 }
 
