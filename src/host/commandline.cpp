@@ -27,7 +27,7 @@ struct Parser
             {QStringLiteral("screenshot"), QStringLiteral("Save a picture of the window once the page has settled, then exit 0;\n"
                                                           "exit 4 if it has not settled within 60 s."), QStringLiteral("FILE.png")},
             {QStringLiteral("settle-ms"), QStringLiteral("Quiet time without requests that counts as settled (default 1500)."), QStringLiteral("N")},
-            {QStringLiteral("screen"), QStringLiteral("Open a composite screen of components (not yet supported)."), QStringLiteral("FILE.json")},
+            {QStringLiteral("screen"), QStringLiteral("Open a composite screen: components by factory class name\nsharing global arguments; see README."), QStringLiteral("FILE.json")},
             {QStringLiteral("plugins"), QStringLiteral("Folder of plug-ins (default plugins/ beside the binary)."), QStringLiteral("DIR")},
         });
         helpOption = parser.addHelpOption();

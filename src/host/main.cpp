@@ -59,9 +59,6 @@ int main(int argc, char *argv[])
         return complain(parsed.message + QStringLiteral("\nTry 'subject-terminal --help'."), BadArguments);
     const TerminalOptions &options = parsed.options;
 
-    if (!options.screenFile.isEmpty())
-        return complain(QStringLiteral("--screen: composite screens are not yet supported"), BadArguments);
-
     if (!options.logFile.isEmpty()) {
         QString error;
         if (!LogFile::install(options.logFile, &error))
@@ -102,16 +99,24 @@ int main(int argc, char *argv[])
         serviceDescription = message;
     }
 
-    const QUrl pageUrl = options.pageUrl.isEmpty() ? plugins.defaultPageUrl() : options.pageUrl;
-    if (pageUrl.isEmpty())
-        return complain(QStringLiteral("no page-url given and the plug-in names no default Url"), BadArguments);
-
     TerminalWindow window(&plugins);
     window.setServiceDescription(serviceDescription);
     window.resize(options.size);
     QString error;
-    if (!window.openPage(pageUrl, &error))
-        return complain(QStringLiteral("cannot open %1: %2").arg(pageUrl.toString(), error), PluginFailed);
+    // A composite screen replaces the default page; a page-url given as well
+    // opens beside it.
+    if (!options.screenFile.isEmpty()) {
+        bool unknownComponent = false;
+        if (!window.openScreen(options.screenFile, &error, &unknownComponent))
+            return complain(error, unknownComponent ? PluginFailed : BadArguments);
+    }
+    if (options.screenFile.isEmpty() || !options.pageUrl.isEmpty()) {
+        const QUrl pageUrl = options.pageUrl.isEmpty() ? plugins.defaultPageUrl() : options.pageUrl;
+        if (pageUrl.isEmpty())
+            return complain(QStringLiteral("no page-url given and the plug-in names no default Url"), BadArguments);
+        if (!window.openPage(pageUrl, &error))
+            return complain(QStringLiteral("cannot open %1: %2").arg(pageUrl.toString(), error), PluginFailed);
+    }
     window.show();
 
     int exitCode = Done;

@@ -1,5 +1,6 @@
 #include "terminalwindow.h"
 
+#include "compositescreen.h"
 #include "pluginloader.h"
 
 #include "tfcore/itfabstractpage.h"
@@ -133,6 +134,20 @@ bool TerminalWindow::openPage(const QUrl &url, QString *error)
     if (m_tabs->tabText(m_tabs->indexOf(widget)) == tr("Loading…") && !page->title().isEmpty())
         m_tabs->setTabText(m_tabs->indexOf(widget), page->title());
     return true;
+}
+
+CompositeScreen *TerminalWindow::openScreen(const QString &fileName, QString *error, bool *unknownComponent)
+{
+    auto *screen = new CompositeScreen;
+    if (!screen->load(fileName, error)) {
+        *unknownComponent = screen->failure() == CompositeScreen::UnknownComponent;
+        delete screen;
+        return nullptr;
+    }
+    *unknownComponent = false;
+    const int index = m_tabs->addTab(screen, screen->title());
+    m_tabs->setCurrentIndex(index);
+    return screen;
 }
 
 int TerminalWindow::pageCount() const

@@ -24,6 +24,9 @@ public:
 
     // Makes a page for url in a new tab; false with error set when none can be made.
     bool openPage(const QUrl &url, QString *error);
+    // Builds a composite screen from its document in a new tab; the
+    // screen's failure() tells a bad document from a missing component.
+    class CompositeScreen *openScreen(const QString &fileName, QString *error, bool *unknownComponent);
     int pageCount() const;
     QWidget *pageAt(int index) const;
     QTabWidget *tabs() const { return m_tabs; }

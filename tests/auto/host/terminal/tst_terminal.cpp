@@ -112,6 +112,7 @@ private slots:
     void failures_data();
     void failures();
     void unsettledPageExitsWithFour();
+    void embeddedServiceWithoutServiceOption();
 
 private:
     struct Run
@@ -120,17 +121,19 @@ private:
         QByteArray out;
         QByteArray err;
     };
-    Run run(const QStringList &arguments, int timeoutMs);
+    Run run(const QStringList &arguments, int timeoutMs, const QString &cacheHome = QString());
 
     QString m_terminal;
     QTemporaryDir m_dir;
 };
 
-tst_Terminal::Run tst_Terminal::run(const QStringList &arguments, int timeoutMs)
+tst_Terminal::Run tst_Terminal::run(const QStringList &arguments, int timeoutMs, const QString &cacheHome)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));   // the web engine needs the X display
+    if (!cacheHome.isEmpty())
+        environment.insert(QStringLiteral("XDG_CACHE_HOME"), cacheHome);
     process.setProcessEnvironment(environment);
     process.start(m_terminal, arguments);
     Run result;
@@ -245,7 +248,8 @@ void tst_Terminal::failures_data()
     QTest::newRow("empty plug-in folder") << "empty" << QStringList() << 3 << "no plug-in found";
     QTest::newRow("missing plug-in folder") << "missing" << QStringList() << 3 << "does not exist";
     QTest::newRow("plug-in that does not load") << "broken" << QStringList() << 3 << "did not load";
-    QTest::newRow("composite screen") << "" << QStringList{"--screen", "a.json"} << 2 << "not yet supported";
+    QTest::newRow("screen file missing") << "" << QStringList{"--screen", "/nonexistent-dir/a.json"} << 2 << "cannot read screen";
+    QTest::newRow("screen of an unknown component") << "unknown-screen" << QStringList() << 3 << "no component \"TFNoSuchComponent\"";
     QTest::newRow("bad skin") << "" << QStringList{"--skin", "green"} << 2 << "--skin";
     QTest::newRow("unknown option") << "" << QStringList{"--fast"} << 2 << "Unknown option";
     QTest::newRow("page-url of another scheme") << "" << QStringList{"https://example.org/"} << 2 << "view:";
@@ -271,8 +275,14 @@ void tst_Terminal::failures()
         QVERIFY(broken.open(QIODevice::WriteOnly));
         broken.write("not a shared library");
     }
-    if (!setup.isEmpty())
+    if (setup == "unknown-screen") {
+        QFile screen(m_dir.filePath("unknown-screen.json"));
+        QVERIFY(screen.open(QIODevice::WriteOnly));
+        screen.write(R"({"components": [{"class": "TFNoSuchComponent"}]})");
+        all << "--screen" << screen.fileName();
+    } else if (!setup.isEmpty()) {
         all << "--plugins" << plugins;
+    }
     all << arguments;
 
     const Run result = run(all, 60000);
@@ -296,6 +306,18 @@ void tst_Terminal::unsettledPageExitsWithFour()
     QVERIFY(result.err.contains("did not settle"));
     QVERIFY(!QFile::exists(picture));
     QVERIFY(!server.requests.isEmpty());
+}
+
+// Without --service the terminal runs the reference service itself, with its
+// database in the user's cache folder.
+void tst_Terminal::embeddedServiceWithoutServiceOption()
+{
+    const QString cacheHome = m_dir.filePath("cache");
+    const QString picture = m_dir.filePath("embedded.png");
+    const Run result = run({"--size", "800x600", "--screenshot", picture, "--settle-ms", "800"}, 180000, cacheHome);
+    QVERIFY2(result.exitCode == 0, result.err.constData());
+    QVERIFY(!QImage(picture).isNull());
+    QVERIFY(QFile::exists(cacheHome + "/subject/subject-terminal/subject-demo.sqlite"));
 }
 
 QTEST_GUILESS_MAIN(tst_Terminal)
