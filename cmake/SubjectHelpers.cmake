@@ -58,7 +58,7 @@ endfunction()
 #
 # One folder of the plug-in (net/, jsonparser/, expression/, ...) builds the
 # static library subjectpage_<name>. Tests link the modules they exercise; the
-# plug-in takes all of them whole, so that start-up registrations survive.
+# plug-in takes all of their objects (src/subjectpage/CMakeLists.txt).
 function(subject_add_module name)
     cmake_parse_arguments(M "" "" "SOURCES;LIBRARIES" ${ARGN})
     set(target subjectpage_${name})
