@@ -49,6 +49,7 @@ private slots:
     void gluedText_data();
     void gluedText();
     void manyRows();
+    void manyFormulas();
     void dateInArithmetic();
     void lastCharacterCarriesOver();
     void malformed_data();
@@ -203,6 +204,20 @@ void tst_ExpressionParse::manyRows()
         const QVariant result = evaluate(parser, QStringLiteral("([CLOSE]-[OPEN])*4+[OPEN]"), row);
         QVERIFY2(result.isValid(), qPrintable(QString::number(i)));
         QCOMPARE(result.toDouble(), 1.0 + i);
+    }
+}
+
+// Captions bring many formulas to one parser; each keeps its own answer,
+// also after the parser has let go of formulas it saw long ago.
+void tst_ExpressionParse::manyFormulas()
+{
+    ExpressionParse parser;
+    const Row row{ { "A", "1000" } };
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 600; ++i) {
+            const QString formula = QStringLiteral("([A]-%1)*2").arg(i);
+            QCOMPARE(evaluate(parser, formula, row).toDouble(), (1000.0 - i) * 2);
+        }
     }
 }
 
