@@ -27,6 +27,8 @@ void FlatProxyModel::setSourceModel(QAbstractItemModel *source)
                    m_inReset = false;
                    endResetModel();
                })
+            // The base class turns to an empty model first; then the rows go.
+            << connect(source, &QObject::destroyed, this, reset)
             << connect(source, &QAbstractItemModel::rowsInserted, this, reset)
             << connect(source, &QAbstractItemModel::rowsRemoved, this, reset)
             << connect(source, &QAbstractItemModel::rowsMoved, this, reset)

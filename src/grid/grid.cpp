@@ -22,7 +22,6 @@ void Grid::setViewType(ViewType type)
     delete m_view;
     m_type = type;
     m_view = type == ViewType::BandedTable ? new BandedTableView(this) : new TableView(this);
-    m_view->setFont(font());
     m_view->setTheme(m_theme);
     layout()->addWidget(m_view);
     emit viewChanged(m_view);

@@ -329,6 +329,14 @@ TableView::~TableView()
     // deletes its children; they must not ask it for bands any more.
     d->header->detach();
     d->frozen->bandHeader()->detach();
+    // The proxies, headers and selection go with the widget base, after
+    // this part of the object; what they say on the way must not reach it.
+    disconnect(d->groups, nullptr, this, nullptr);
+    disconnect(d->sort, nullptr, d->groups, nullptr);
+    disconnect(selectionModel(), nullptr, this, nullptr);
+    disconnect(d->header, nullptr, this, nullptr);
+    disconnect(d->frozen->bandHeader(), nullptr, this, nullptr);
+    disconnect(d->options, nullptr, this, nullptr);
 }
 
 void TableView::setModel(QAbstractItemModel *model)

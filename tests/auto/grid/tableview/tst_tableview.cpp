@@ -30,6 +30,7 @@ private slots:
     void columnByCaption();
     void themeAndBorder();
     void rowsReplacedWithoutReset();
+    void modelDeletedUnderTheView();
     void gridLines_data();
     void gridLines();
     void columnFontSizesTheHeader();
@@ -307,6 +308,19 @@ void tst_TableView::rowsReplacedWithoutReset()
     model.replace({"c", "d", "e"});
     QCOMPARE(view.viewRowCount(), 3);
     QCOMPARE(view.model()->index(2, 0).data().toString(), QStringLiteral("e"));
+}
+
+void tst_TableView::modelDeletedUnderTheView()
+{
+    m_view->column(0)->setGroupIndex(0);
+    m_view->expandAll();
+    QVERIFY(m_view->viewRowCount() > 0);
+    delete m_model;
+    m_model = nullptr;
+    QCOMPARE(m_view->viewRowCount(), 0);
+    QCOMPARE(m_view->sourceModel(), nullptr);
+    QCOMPARE(m_view->column(1) ? m_view->column(1)->value(0) : QVariant(), QVariant());
+    m_view->viewport()->grab();   // paints an empty table without touching the old model
 }
 
 void tst_TableView::gridLines_data()
