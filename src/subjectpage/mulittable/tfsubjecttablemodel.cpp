@@ -157,9 +157,28 @@ QVariant TFSubjectTableModel::displayText(const tagCellValue& cell, int column) 
     if (type.compare(QLatin1String("datetime"), Qt::CaseInsensitive) == 0) {
         const QString format = record.formatString.isEmpty() ? QStringLiteral("yyyy-MM-dd")
                                                              : record.formatString;
-        return QDateTime::fromMSecsSinceEpoch(value.toLongLong(), Qt::LocalTime).toString(format);
+        return dateText(value.toLongLong(), format, column);
     }
     return value;
+}
+
+QString TFSubjectTableModel::dateText(qint64 msecs, const QString& format, int column) const
+{
+    if (column >= m_dateTexts.size())
+        m_dateTexts.resize(column + 1);
+    DateTexts& cache = m_dateTexts[column];
+    if (cache.format != format) {
+        cache.format = format;
+        cache.texts.clear();
+    }
+    const auto it = cache.texts.constFind(msecs);
+    if (it != cache.texts.constEnd())
+        return *it;
+    if (cache.texts.size() >= 100000)
+        cache.texts.clear();
+    const QString text = QDateTime::fromMSecsSinceEpoch(msecs, Qt::LocalTime).toString(format);
+    cache.texts.insert(msecs, text);
+    return text;
 }
 
 QVariant TFSubjectTableModel::textAlignment(const tagCellValue& cell) const
@@ -215,9 +234,10 @@ QVariant TFSubjectTableModel::textColor(int row, int column) const
     return color;
 }
 
-void TFSubjectTableModel::invalidateColors()
+void TFSubjectTableModel::forgetKeptValues()
 {
     m_colors.clear();
+    m_dateTexts.clear();
 }
 
 QVariant TFSubjectTableModel::sortValue(const tagCellValue& cell) const
@@ -260,7 +280,7 @@ void TFSubjectTableModel::setHeader(TFTreeStruct* header)
     m_leafRecords.clear();
     m_publishNames.clear();
     m_colorColumns.clear();
-    invalidateColors();
+    forgetKeptValues();
     emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
     if (!header)
         return;
@@ -306,7 +326,7 @@ void TFSubjectTableModel::setHeader(TFTreeStruct* header)
 void TFSubjectTableModel::setRows(const QList<RowData>& rows)
 {
     m_rows = rows;
-    invalidateColors();
+    forgetKeptValues();
     emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), QVector<int>());
 }
 
@@ -314,7 +334,7 @@ void TFSubjectTableModel::clear()
 {
     beginResetModel();
     m_rows.clear();
-    invalidateColors();
+    forgetKeptValues();
     endResetModel();
 }
 

@@ -64,7 +64,8 @@ private:
     QVariant displayText(const TFTableModelData::tagCellValue& cell, int column) const;
     QVariant textAlignment(const TFTableModelData::tagCellValue& cell) const;
     QVariant textColor(int row, int column) const;
-    void invalidateColors();
+    void forgetKeptValues();
+    QString dateText(qint64 msecs, const QString& format, int column) const;
 
     TFTreeStruct* m_header = nullptr;
     QStringList m_captions;
@@ -90,4 +91,14 @@ private:
     // generation and one set of rows.
     mutable QHash<quint64, QVariant> m_colors;
     mutable quint64 m_colorGeneration = 0;
+
+    // Date texts already made, per column and format: turning milliseconds
+    // into local time is the costliest step of a cell's text, and a data set
+    // repeats its dates. Kept for one set of rows and one header.
+    struct DateTexts
+    {
+        QString format;
+        QHash<qint64, QString> texts;
+    };
+    mutable QVector<DateTexts> m_dateTexts;
 };
