@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jsonparser/headerfieldinfo.h"
+#include "mulittable/tfsubjecttablemodel.h"
 
 #include <QFrame>
 #include <QList>
@@ -9,7 +10,6 @@
 
 class QMouseEvent;
 class QToolButton;
-class TFSubjectTableModel;
 class TFTreeStruct;
 
 namespace BandGrid {
