@@ -162,6 +162,7 @@ sqlite3 *ServiceDatabase::acquire(QString *error) const
         return nullptr;
     }
     sqlite3_busy_timeout(db, 5000);
+    sqlite3_exec(db, "PRAGMA mmap_size=1073741824", nullptr, nullptr, nullptr);
     return db;
 }
 
@@ -238,10 +239,25 @@ bool ServiceDatabase::select(const QString &sql, const QVariantList &bindings, Q
 bool ServiceDatabase::selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
                                   QString *error) const
 {
+    QString key = sql;
+    for (const QVariant &binding : bindings)
+        key += QChar(0x1f) + QString::number(binding.userType()) + QChar(0x1e) + binding.toString();
+    {
+        std::lock_guard<std::mutex> lock(m_countMutex);
+        const auto it = m_counts.constFind(key);
+        if (it != m_counts.constEnd()) {
+            *count = it.value();
+            return true;
+        }
+    }
     QJsonArray rows;
     if (!select(sql, bindings, &rows, error))
         return false;
     *count = rows.isEmpty() ? 0 : qint64(rows.at(0).toObject().begin().value().toDouble());
+    std::lock_guard<std::mutex> lock(m_countMutex);
+    if (m_counts.size() >= 4096)
+        m_counts.clear();
+    m_counts.insert(key, *count);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "filterexpression.h"
 
 #include <QJsonArray>
+#include <QHash>
 #include <QMap>
 #include <QString>
 #include <QVariantList>
@@ -37,6 +38,8 @@ public:
     // dates as milliseconds since the epoch, year-months as numbers.
     bool select(const QString &sql, const QVariantList &bindings, QJsonArray *rows,
                 QString *error) const;
+    // The database is never written after it is made, so the count of a query
+    // is kept and answered again for the next page of the same filter.
     bool selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
                      QString *error) const;
 
@@ -48,6 +51,8 @@ private:
     QString m_path;
     QMap<QString, ColumnSet> m_columns;   // by upper-cased table name
     QMap<QString, QString> m_tableNames;
+    mutable std::mutex m_countMutex;
+    mutable QHash<QString, qint64> m_counts;
     mutable std::mutex m_poolMutex;
     mutable std::vector<sqlite3 *> m_pool;
 };
