@@ -109,7 +109,18 @@ bool ServiceDatabase::open(const QString &path, int scale, QString *error)
             QFile::remove(temporary);
         }
     }
-    return readSchema(error);
+    if (!readSchema(error))
+        return false;
+    QJsonArray meta;
+    QString metaError;
+    if (select(QStringLiteral("SELECT value FROM demo_meta WHERE key = 'scale'"), {}, &meta, &metaError)
+        && !meta.isEmpty()) {
+        const int fileScale = meta.at(0).toObject().value(QLatin1String("value")).toInt();
+        if (fileScale != scale)
+            qWarning() << "the database" << path << "holds scale" << fileScale << "and not" << scale
+                       << "; remove it to generate the other scale";
+    }
+    return true;
 }
 
 bool ServiceDatabase::readSchema(QString *error)
