@@ -65,9 +65,9 @@ QRect CellDelegate::buttonRect(const QRect &cell, int button) const
     return QRect(right - kButtonWidth + 1, cell.top() + 2, kButtonWidth - 2, cell.height() - 4);
 }
 
-QRect CellDelegate::expanderRect(const QRect &cell) const
+QRect CellDelegate::expanderRect(const QRect &row) const
 {
-    return QRect(cell.left(), cell.top(), kExpanderWidth, cell.height());
+    return QRect(0, row.top(), kExpanderWidth, row.height());
 }
 
 QRect CellDelegate::textRect(const QRect &cell, const QModelIndex &index) const
@@ -113,19 +113,25 @@ void CellDelegate::paintGridLines(QPainter *painter, const QRect &rect) const
         painter->drawLine(rect.topRight(), rect.bottomRight());
 }
 
-void CellDelegate::paintGroupRow(QPainter *painter, const QStyleOptionViewItem &option,
-                                 const QModelIndex &index) const
+void CellDelegate::paintGroupCell(QPainter *painter, const QStyleOptionViewItem &option) const
 {
+    // Only the background: the caption runs across all cells of the row and
+    // is painted by the view afterwards.
     const GridTheme &theme = m_owner->theme();
     const QRect rect = option.rect;
     const bool selected = option.state & QStyle::State_Selected;
     painter->fillRect(rect, selected ? theme.highlight : theme.groupBase);
     painter->setPen(theme.groupLine);
     painter->drawLine(rect.bottomLeft(), rect.bottomRight());
+}
 
+void CellDelegate::paintGroupCaption(QPainter *painter, const QRect &row, const QModelIndex &index,
+                                     bool selected) const
+{
+    const GridTheme &theme = m_owner->theme();
     // The expander: a triangle pointing down when open, right when shut.
     const bool expanded = index.data(GroupExpandedRole).toBool();
-    const QRect box = expanderRect(rect);
+    const QRect box = expanderRect(row);
     const QPointF c = QRectF(box).center();
     const qreal s = 3.5;
     QPolygonF arrow;
@@ -138,7 +144,7 @@ void CellDelegate::paintGroupRow(QPainter *painter, const QStyleOptionViewItem &
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
-    painter->setBrush(theme.groupText);
+    painter->setBrush(selected ? theme.highlightedText : theme.groupText);
     painter->drawPolygon(arrow);
     painter->restore();
 
@@ -147,7 +153,7 @@ void CellDelegate::paintGroupRow(QPainter *painter, const QStyleOptionViewItem &
     painter->setFont(font);
     painter->setPen(selected ? theme.highlightedText : theme.groupText);
     const QString text = m_owner->groupCaption(index.row());
-    const QRect textArea = rect.adjusted(kExpanderWidth + 2, 0, -kPadding, 0);
+    const QRect textArea = row.adjusted(kExpanderWidth + 2, 0, -kPadding, -1);
     painter->drawText(textArea, Qt::AlignLeft | Qt::AlignVCenter,
                       QFontMetrics(font).elidedText(text, Qt::ElideRight, textArea.width()));
 }
@@ -156,7 +162,7 @@ void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
 {
     if (index.data(GroupRowRole).toBool()) {
-        paintGroupRow(painter, option, index);
+        paintGroupCell(painter, option);
         return;
     }
     const GridTheme &theme = m_owner->theme();

@@ -40,7 +40,13 @@ public:
     // Hit areas within a cell's rectangle.
     QRect buttonRect(const QRect &cell, int button) const;
     QRect linkRect(const QRect &cell, const QModelIndex &index, const QFont &font) const;
-    QRect expanderRect(const QRect &cell) const;
+    // The expander of a group row sits at the left edge of the viewport,
+    // whatever the horizontal scroll, in the table and its frozen overlay alike.
+    QRect expanderRect(const QRect &row) const;
+    // The caption of a group row, across the row: expander, column caption,
+    // value and count. Painted by the views over the cells' backgrounds.
+    void paintGroupCaption(QPainter *painter, const QRect &row, const QModelIndex &index,
+                           bool selected) const;
     // The button under a point of a cell, or -1.
     int buttonAt(const QRect &cell, const QModelIndex &index, const QPoint &pos) const;
 
@@ -49,8 +55,7 @@ protected:
                      const QModelIndex &index) override;
 
 private:
-    void paintGroupRow(QPainter *painter, const QStyleOptionViewItem &option,
-                       const QModelIndex &index) const;
+    void paintGroupCell(QPainter *painter, const QStyleOptionViewItem &option) const;
     void paintGridLines(QPainter *painter, const QRect &rect) const;
     Qt::Alignment alignmentOf(const QModelIndex &index) const;
     QRect textRect(const QRect &cell, const QModelIndex &index) const;

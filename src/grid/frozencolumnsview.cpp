@@ -48,6 +48,7 @@ void FrozenColumnsView::scrollTo(const QModelIndex &index, ScrollHint hint)
 void FrozenColumnsView::paintEvent(QPaintEvent *event)
 {
     QTableView::paintEvent(event);
+    m_owner->paintGroupCaptions(this, event->rect());
     QPainter painter(viewport());
     painter.setPen(m_owner->theme().frozenEdge);
     const int x = viewport()->width() - 1;

@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QRubberBand>
 #include <QScrollBar>
@@ -33,7 +34,7 @@ public:
     void applyOptions();
     void applyMetrics();
     void updateFrozenGeometry();
-    void updateGroupSpans();
+    void paintGroupCaptions(QTableView *view, const QRect &region);
     void onModelReset();
     void onHeaderClicked(BandHeaderView *header, int logical);
     void onSectionResized(int logical, int newSize);
@@ -147,16 +148,30 @@ void TableViewPrivate::updateFrozenGeometry()
     frozen->verticalScrollBar()->setValue(q->verticalScrollBar()->value());
 }
 
-void TableViewPrivate::updateGroupSpans()
+void TableViewPrivate::paintGroupCaptions(QTableView *view, const QRect &region)
 {
-    q->clearSpans();
-    frozen->clearSpans();
-    const int count = groups->columnCount();
-    if (groups->groupColumn() < 0 || count < 2)
+    if (groups->groupColumn() < 0 || !view->isVisible())
         return;
-    for (int row : groups->groupRows()) {
-        q->setSpan(row, 0, 1, count);
-        frozen->setSpan(row, 0, 1, count);
+    const int rows = groups->rowCount();
+    int first = view->rowAt(region.top());
+    int last = view->rowAt(region.bottom());
+    if (first < 0)
+        return;
+    if (last < 0)
+        last = rows - 1;
+    QPainter painter(view->viewport());
+    painter.setClipRect(region);
+    // The table's own width for both, so that the overlay lays the caption
+    // out exactly as the table does and shows the same pixels.
+    const int width = q->viewport()->width();
+    for (int row = first; row <= last; ++row) {
+        if (!groups->isGroupRow(row))
+            continue;
+        // Viewport coordinates, not scrolled: the table and its frozen
+        // overlay draw the same pixels where they meet.
+        const QRect rect(0, view->rowViewportPosition(row), width, view->rowHeight(row));
+        const QModelIndex index = groups->index(row, 0);
+        delegate->paintGroupCaption(&painter, rect, index, q->selectionModel()->isSelected(index));
     }
 }
 
@@ -218,7 +233,6 @@ void TableViewPrivate::onModelReset()
     ensureColumns();
     lastFocusRow = -1;
     applyColumnState();
-    updateGroupSpans();
 }
 
 QModelIndex TableViewPrivate::toSource(const QModelIndex &viewIndex) const
@@ -298,9 +312,6 @@ TableView::TableView(QWidget *parent)
     d->frozen->hide();
 
     connect(d->groups, &QAbstractItemModel::modelReset, this, [this] { d->onModelReset(); });
-    connect(d->groups, &QAbstractItemModel::rowsInserted, this, [this] { d->updateGroupSpans(); });
-    connect(d->groups, &QAbstractItemModel::rowsRemoved, this, [this] { d->updateGroupSpans(); });
-    connect(d->groups, &QAbstractItemModel::layoutChanged, this, [this] { d->updateGroupSpans(); });
     connect(d->groups, &QAbstractItemModel::headerDataChanged, this, [this] {
         d->header->viewport()->update();
         d->frozen->bandHeader()->viewport()->update();
@@ -743,6 +754,17 @@ void TableView::updateGeometries()
     QTableView::updateGeometries();
     if (d && d->frozen && d->header->owner())
         d->updateFrozenGeometry();
+}
+
+void TableView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    d->paintGroupCaptions(this, event->rect());
+}
+
+void TableView::paintGroupCaptions(QTableView *view, const QRect &region)
+{
+    d->paintGroupCaptions(view, region);
 }
 
 void TableView::resizeEvent(QResizeEvent *event)

@@ -110,6 +110,7 @@ protected:
     QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
     void updateGeometries() override;
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
@@ -129,6 +130,7 @@ private:
     friend class FrozenColumnsView;
     void columnStateChanged();
     void updateHoverCursor(QAbstractItemView *view, const QPoint &pos);
+    void paintGroupCaptions(QTableView *view, const QRect &region);
     void bandLayoutChanged();
     std::unique_ptr<TableViewPrivate> d;
 };
