@@ -353,10 +353,10 @@ void tst_CatalogueViews::view()
     QVERIFY(summary);
     QCOMPARE(summary->columnTable() != nullptr, cross && !parser.dataMaps().isEmpty());
     if (summary->columnTable()) {
-        const QJsonObject spec = file.value("cross").toObject();
-        const QJsonArray rowColumns = spec.value("rows").toArray();
-        const QJsonArray valueColumns = spec.value("values").toArray();
-        const QJsonArray totalColumns = spec.value("totals").toArray();
+        const QJsonObject crossView = file.value("cross").toObject();
+        const QJsonArray rowColumns = crossView.value("rows").toArray();
+        const QJsonArray valueColumns = crossView.value("values").toArray();
+        const QJsonArray totalColumns = crossView.value("totals").toArray();
         const QList<HeaderFieldInfo> fields = summary->columnTable()->fields();
         const int bandWidth = 1 + valueColumns.size();
         const int middle = fields.size() - rowColumns.size() - totalColumns.size();
@@ -372,7 +372,7 @@ void tst_CatalogueViews::view()
             QCOMPARE(bandField.columnType, QString("Band"));
             QVERIFY(bandField.fieldName.startsWith("B_"));
             const QString across = bandField.fieldName.mid(2);
-            QCOMPARE(bandField.caption, spec.value("bandCaption").toString("%1").arg(across));
+            QCOMPARE(bandField.caption, crossView.value("bandCaption").toString("%1").arg(across));
             for (const QJsonValue& value : valueColumns) {
                 QJsonObject column = value.toObject();
                 column.insert("field", across + "__" + column.value("field").toString());
