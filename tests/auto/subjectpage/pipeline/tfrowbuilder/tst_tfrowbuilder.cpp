@@ -35,6 +35,8 @@ private slots:
     void duplicateLeafNames();
     void plainValue_data();
     void plainValue();
+    void rawRowsKeepEveryValue_data();
+    void rawRowsKeepEveryValue();
 
 private:
     QList<RowData> build(const QString& file, bool typeLetters = false);
@@ -232,6 +234,43 @@ void tst_TFRowBuilder::plainValue()
     const QVariant got = TFSubject::cellToPlainValue(cell);
     QCOMPARE(got.type(), plain.type());
     QCOMPARE(got, plain);
+}
+
+void tst_TFRowBuilder::rawRowsKeepEveryValue_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::newRow("every JSON type") << QByteArray(
+        "[{\"s\":\"x\",\"i\":1,\"big\":12345678901234567,\"d\":-1.5e-3,\"t\":true,\"f\":false,"
+        "\"n\":null,\"a\":[1,\"2\",null],\"o\":{\"k\":1},\"\":\"empty key\"},"
+        "5, \"text\", null, [], {}, {\"s\":\"y\",\"dup\":1,\"dup\":2}]");
+    QTest::newRow("shared keys, other values") << QByteArray(
+        "[{\"A\":1,\"B\":\"b\"},{\"A\":\"one\",\"B\":2.5},{\"B\":null}]");
+    QTest::newRow("not an array") << QByteArray("{\"A\":1}");
+}
+
+void tst_TFRowBuilder::rawRowsKeepEveryValue()
+{
+    // Rows as the document has them: every element a row, every value as
+    // its own variant, whatever keys the rows share.
+    QFETCH(QByteArray, json);
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    const QJsonValue value = document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    TFDataJsonTable table;
+    table.initWith(value);
+    QList<QVariantMap> expected;
+    if (value.isArray()) {
+        for (const QVariant& element : value.toArray().toVariantList())
+            expected.append(element.toMap());
+    }
+    const QList<QVariantMap> rows = table.rows();
+    QCOMPARE(rows.size(), expected.size());
+    for (int i = 0; i < rows.size(); ++i) {
+        QCOMPARE(rows.at(i).keys(), expected.at(i).keys());
+        for (const QString& key : rows.at(i).keys()) {
+            QCOMPARE(rows.at(i).value(key).userType(), expected.at(i).value(key).userType());
+            QCOMPARE(rows.at(i).value(key), expected.at(i).value(key));
+        }
+    }
 }
 
 QTEST_MAIN(tst_TFRowBuilder)
