@@ -52,6 +52,7 @@ private slots:
     void everyView_data();
     void everyView();
     void menuAgreesWithCatalogue();
+    void catalogueUsesEveryFeature();
     void concurrentClients();
     void executable();
 
@@ -773,6 +774,117 @@ void tst_SubjectService::menuAgreesWithCatalogue()
         }
     }
     QCOMPARE(roots, QSet<qint64>({190, 2, 61, 311, 50, 758, 4781, 159, 4782, 4785, 4808, 4837}));
+}
+
+static void collectColumns(const QList<ColumnSpec> &columns, int depth, QStringList *features)
+{
+    for (const ColumnSpec &c : columns) {
+        if (c.caption.contains('{'))
+            *features << "caption expression";
+        if (c.isBand) {
+            *features << QStringLiteral("band depth %1").arg(depth + 1);
+            if (c.hidden)
+                *features << "hidden band";
+            if (c.showUnitFactor != 0 && c.unitCategory != 0)
+                *features << "band unit override";
+            collectColumns(c.children, depth + 1, features);
+            continue;
+        }
+        if (c.hidden)
+            *features << "hidden column";
+        if (c.columnType == "HyperLinkEdit" && c.url.contains("${"))
+            *features << "link with placeholder";
+        if (c.columnType == "MemoExEdit")
+            *features << "memo";
+        if (c.unitCategory != 0)
+            *features << QStringLiteral("unit category %1").arg(c.unitCategory);
+        if (!c.format.isEmpty())
+            *features << (c.valueType == "DateTime" ? QStringLiteral("date format") : "format " + c.format);
+        if (c.expression.contains("SUM(["))
+            *features << "SUM";
+        else if (c.expression.contains("MAX(["))
+            *features << "MAX";
+        else if (!c.expression.isEmpty())
+            *features << "arithmetic";
+        if (!c.cellStyle.isEmpty())
+            *features << "cell style";
+    }
+}
+
+void tst_SubjectService::catalogueUsesEveryFeature()
+{
+    QStringList features;
+    QStringList classNames;
+    for (qint64 id : m_catalogue.viewIds()) {
+        const ViewDefinition *view = m_catalogue.view(id);
+        collectColumns(view->columns, 0, &features);
+        if (view->hasCross) {
+            features << "cross";
+            collectColumns(view->cross.totals, 0, &features);
+            collectColumns(view->cross.values, 0, &features);
+        }
+        for (const char *property : {"FrozenCount", "VGridColHeaderField", "IsGroup", "IsOrder", "SectorNum"}) {
+            if (view->properties.contains(QLatin1String(property)))
+                features << QLatin1String(property);
+        }
+        if (view->properties.value("isShowFilter").isBool())
+            features << "isShowFilter as boolean";
+        for (const ChildSpec &child : view->children) {
+            if (child.link.contains("数据源"))
+                features << "child linked to 数据源";
+        }
+        for (const QJsonValue &value : view->filters) {
+            const QJsonObject f = value.toObject();
+            classNames << f.value("ClassName").toString();
+            if (!f.value("DataSourceName").toString().isEmpty())
+                features << "remote list";
+            if (!f.value("NameValues").toString().isEmpty())
+                features << "literal list";
+            if (f.value("FieldName").toString() == "AREA" || f.value("FieldName").toString() == "CST_NUM")
+                features << "cached list";
+            const QString defaultValue = f.value("DefualtValue").toString();
+            if (defaultValue.contains("$today()"))
+                features << "$today()";
+            if (defaultValue.contains("$adddays(-1)"))
+                features << "$adddays(-1)";
+            if (QRegularExpression("^(=\\$)(\\w+)\\(\\[(.+)\\]\\)").match(defaultValue).hasMatch())
+                features << "dynamic default";
+        }
+        if (view->isChart()) {
+            features << QStringLiteral("legend %1").arg(view->chart.value("LegendPosition").toInt());
+            features << "chart " + view->chart.value("ChartType").toString();
+            for (const QJsonValue &series : view->chart.value("ChartDataConfigs").toArray()) {
+                features << "chart " + series.toObject().value("ChartType").toString();
+                if (series.toObject().value("YShaftType").toString() == "Right")
+                    features << "right axis";
+            }
+        }
+    }
+    const QStringList required = {
+        "band depth 1", "band depth 2", "hidden band", "band unit override", "hidden column", "link with placeholder",
+        "memo", "unit category 1", "unit category 2", "unit category 3", "unit category 6", "unit category 7",
+        "format n0", "format n1", "format n2", "format n3", "format n4", "date format", "SUM", "MAX", "arithmetic",
+        "caption expression", "cell style", "cross", "FrozenCount", "VGridColHeaderField", "IsGroup", "IsOrder",
+        "SectorNum", "isShowFilter as boolean", "child linked to 数据源", "remote list", "literal list", "cached list",
+        "$today()", "$adddays(-1)", "dynamic default", "legend 0", "legend 1", "legend 2", "legend 3", "legend 4",
+        "right axis", "chart XYPlot", "chart Line", "chart LineSymbols", "chart LineSmoothed", "chart Area",
+        "chart AreaStacked", "chart AreaStacked100pc", "chart Pie", "chart ColumnStacked", "chart Column"};
+    for (const QString &feature : required)
+        QVERIFY2(features.contains(feature), qPrintable(feature));
+
+    // Every control the factory builds, in the spelling the factory tests for.
+    const QStringList controls = {"DecimalTextEditInterval", "dateedit", "simpleyear", "multyear", "checkcombobox",
+                                  "UnitFactorCombobox", "textedit", "KeywordsBox", "SimpleButtonGetData",
+                                  "SimpleButtonSaveToExcel", "SimpleButtonSort", "datetimeinterval", "ReportDateSimple",
+                                  "YearMonthInterval", "virtualcntrl", "F9SecuIdCntrl", "F9COMIDCntrl",
+                                  "YearMonthSimple", "LabelControl", "GroupFlagControl"};
+    for (const QString &control : controls) {
+        bool found = false;
+        for (const QString &name : qAsConst(classNames))
+            found = found || name.contains(control, Qt::CaseInsensitive);
+        QVERIFY2(found, qPrintable(control));
+    }
+    QVERIFY(classNames.contains("ComboBox"));
 }
 
 void tst_SubjectService::concurrentClients()
