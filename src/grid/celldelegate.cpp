@@ -207,6 +207,13 @@ void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->drawText(area, int(alignmentOf(index)),
                       painter->fontMetrics().elidedText(text, Qt::ElideRight, area.width()));
 
+    if ((option.state & QStyle::State_HasFocus)
+        && m_owner->selectionBehavior() == QAbstractItemView::SelectItems) {
+        // The current cell, for the keyboard's sake, when cells are selected one by one.
+        painter->setPen(theme.link);
+        painter->drawRect(rect.adjusted(0, 0, -1, -1));
+    }
+
     if (column && column->buttonCount() > 0) {
         const bool hovered = option.state & QStyle::State_MouseOver;
         for (int b = 0; b < column->buttonCount(); ++b) {

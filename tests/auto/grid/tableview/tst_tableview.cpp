@@ -35,6 +35,8 @@ private slots:
     void gridLines();
     void columnFontSizesTheHeader();
     void rubberBandFollowsTheDrag();
+    void currentCellFramedWhenCellsAreSelected_data();
+    void currentCellFramedWhenCellsAreSelected();
 
 private:
     QStandardItemModel *m_model = nullptr;
@@ -386,6 +388,29 @@ void tst_TableView::rubberBandFollowsTheDrag()
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
     QVERIFY(!band->isVisible());
     QCOMPARE(m_view->selectedText(), QStringLiteral("10\tbeta\n20\tgamma\n30\talpha"));
+}
+
+void tst_TableView::currentCellFramedWhenCellsAreSelected_data()
+{
+    QTest::addColumn<int>("policy");
+    QTest::addColumn<bool>("framed");
+    QTest::newRow("cells") << int(SelectionPolicy::MultiCell) << true;
+    QTest::newRow("rows") << int(SelectionPolicy::MultiRow) << false;
+}
+
+void tst_TableView::currentCellFramedWhenCellsAreSelected()
+{
+    QFETCH(int, policy);
+    QFETCH(bool, framed);
+    m_view->options()->setSelectionPolicy(SelectionPolicy(policy));
+    m_view->activateWindow();
+    m_view->setFocus();
+    QTRY_VERIFY(m_view->hasFocus());
+    m_view->setCurrentIndex(m_view->model()->index(1, 1));
+    m_view->deselectAll();
+    const QImage image = m_view->viewport()->grab().toImage();
+    const QRect cell = m_view->cellRect(1, 1);
+    QCOMPARE(image.pixelColor(cell.left(), cell.center().y()) == m_view->theme().link, framed);
 }
 
 QTEST_MAIN(tst_TableView)

@@ -23,7 +23,7 @@ public:
     }
 };
 
-class tst_Sorting : public QObject
+class tst_SortProxyModel : public QObject
 {
     Q_OBJECT
 private slots:
@@ -42,7 +42,7 @@ private:
     static QStringList column(const QAbstractItemModel *model, int role = Qt::DisplayRole);
 };
 
-QStandardItemModel *tst_Sorting::modelOf(const QVariantList &values)
+QStandardItemModel *tst_SortProxyModel::modelOf(const QVariantList &values)
 {
     auto *model = new QStandardItemModel(values.size(), 1);
     for (int r = 0; r < values.size(); ++r) {
@@ -53,7 +53,7 @@ QStandardItemModel *tst_Sorting::modelOf(const QVariantList &values)
     return model;
 }
 
-QStringList tst_Sorting::column(const QAbstractItemModel *model, int role)
+QStringList tst_SortProxyModel::column(const QAbstractItemModel *model, int role)
 {
     QStringList out;
     for (int r = 0; r < model->rowCount(); ++r)
@@ -61,7 +61,7 @@ QStringList tst_Sorting::column(const QAbstractItemModel *model, int role)
     return out;
 }
 
-void tst_Sorting::byRole_data()
+void tst_SortProxyModel::byRole_data()
 {
     QTest::addColumn<QVariantList>("values");
     QTest::addColumn<QString>("locale");
@@ -105,7 +105,7 @@ void tst_Sorting::byRole_data()
                        QDateTime(QDate(2020, 5, 1), QTime(0, 0)).toString(Qt::ISODate)};
 }
 
-void tst_Sorting::byRole()
+void tst_SortProxyModel::byRole()
 {
     QFETCH(QVariantList, values);
     QFETCH(QString, locale);
@@ -143,7 +143,7 @@ void tst_Sorting::byRole()
     QCOMPARE(shown, expected);
 }
 
-void tst_Sorting::readsEachValueOncePerSort()
+void tst_SortProxyModel::readsEachValueOncePerSort()
 {
     CountingModel model(1000, 1);
     for (int r = 0; r < 1000; ++r) {
@@ -159,7 +159,7 @@ void tst_Sorting::readsEachValueOncePerSort()
         QVERIFY(proxy.index(r - 1, 0).data(kSortRole).toInt() <= proxy.index(r, 0).data(kSortRole).toInt());
 }
 
-void tst_Sorting::currentRowFollowsItsData()
+void tst_SortProxyModel::currentRowFollowsItsData()
 {
     QScopedPointer<QStandardItemModel> model(modelOf({5, 3, 9, 1}));
     TableView view;
@@ -175,7 +175,7 @@ void tst_Sorting::currentRowFollowsItsData()
     QVERIFY(view.selectionModel()->isRowSelected(3, QModelIndex()));
 }
 
-void tst_Sorting::newRowsAreSortedAgain()
+void tst_SortProxyModel::newRowsAreSortedAgain()
 {
     QScopedPointer<QStandardItemModel> model(modelOf({5, 3}));
     TableView view;
@@ -188,7 +188,7 @@ void tst_Sorting::newRowsAreSortedAgain()
     QCOMPARE(column(view.model()), (QStringList{"7", "5", "3"}));
 }
 
-void tst_Sorting::changedValuesAreSortedAgain()
+void tst_SortProxyModel::changedValuesAreSortedAgain()
 {
     QScopedPointer<QStandardItemModel> model(modelOf({5, 3, 9}));
     TableView view;
@@ -203,7 +203,7 @@ void tst_Sorting::changedValuesAreSortedAgain()
     QCOMPARE(view.focusedRow(), 0);
 }
 
-void tst_Sorting::otherChangesKeepTheOrder()
+void tst_SortProxyModel::otherChangesKeepTheOrder()
 {
     CountingModel model(3, 2);
     for (int r = 0; r < 3; ++r) {
@@ -224,7 +224,7 @@ void tst_Sorting::otherChangesKeepTheOrder()
     QCOMPARE(view.model()->index(1, 1).data().toString(), QStringLiteral("y"));
 }
 
-void tst_Sorting::headerClickTogglesOrder()
+void tst_SortProxyModel::headerClickTogglesOrder()
 {
     QScopedPointer<QStandardItemModel> model(modelOf({2, 1, 3}));
     TableView view;
@@ -247,7 +247,7 @@ void tst_Sorting::headerClickTogglesOrder()
     QCOMPARE(view.bandHeader()->sortIndicatorSection(), 0);
 }
 
-void tst_Sorting::noSortWhenDisabled()
+void tst_SortProxyModel::noSortWhenDisabled()
 {
     QScopedPointer<QStandardItemModel> model(modelOf({2, 1, 3}));
     TableView view;
@@ -261,5 +261,5 @@ void tst_Sorting::noSortWhenDisabled()
     QCOMPARE(column(view.model()), (QStringList{"2", "1", "3"}));
 }
 
-QTEST_MAIN(tst_Sorting)
-#include "tst_sorting.moc"
+QTEST_MAIN(tst_SortProxyModel)
+#include "tst_sortproxymodel.moc"

@@ -9,7 +9,7 @@ using namespace BandGrid;
 using Steps = QVector<QPair<int, int>>;
 
 // Rows of (industry, name, value); the view groups by industry.
-class tst_Grouping : public QObject
+class tst_GroupProxyModel : public QObject
 {
     Q_OBJECT
 private slots:
@@ -34,7 +34,7 @@ private:
     TableView *m_view = nullptr;
 };
 
-void tst_Grouping::init()
+void tst_GroupProxyModel::init()
 {
     const QList<QStringList> rows{
         {"银行", "平安银行", "3"}, {"地产", "万科", "1"}, {"银行", "招商银行", "5"},
@@ -56,13 +56,13 @@ void tst_Grouping::init()
     m_view->column(0)->setGroupIndex(0);
 }
 
-void tst_Grouping::cleanup()
+void tst_GroupProxyModel::cleanup()
 {
     delete m_view;
     delete m_model;
 }
 
-void tst_Grouping::rowCounts_data()
+void tst_GroupProxyModel::rowCounts_data()
 {
     // Groups in pinyin order: 地产 (2 rows), 电子 (1), 银行 (3). Each step is
     // a group and whether to open (1), shut (0), open all (2) or shut all (3).
@@ -78,7 +78,7 @@ void tst_Grouping::rowCounts_data()
     QTest::newRow("collapse all") << Steps{{-1, 2}, {-1, 3}} << 3;
 }
 
-void tst_Grouping::rowCounts()
+void tst_GroupProxyModel::rowCounts()
 {
     QFETCH(Steps, steps);
     QFETCH(int, rows);
@@ -97,7 +97,7 @@ void tst_Grouping::rowCounts()
     QCOMPARE(groupRows, 3);
 }
 
-void tst_Grouping::groupsInOrderWithCounts()
+void tst_GroupProxyModel::groupsInOrderWithCounts()
 {
     QCOMPARE(m_view->groupCount(), 3);
     QCOMPARE(m_view->groupCaption(0), QStringLiteral("行业: 地产  (2)"));
@@ -129,7 +129,7 @@ static QVector<int> inkColumns(const QImage &image, int top, int bottom)
     return xs;
 }
 
-void tst_Grouping::captionRunsAcrossTheRow_data()
+void tst_GroupProxyModel::captionRunsAcrossTheRow_data()
 {
     QTest::addColumn<int>("frozen");
     QTest::addColumn<int>("scroll");
@@ -139,7 +139,7 @@ void tst_Grouping::captionRunsAcrossTheRow_data()
     QTest::newRow("narrow frozen column, scrolled") << 1 << 200;
 }
 
-void tst_Grouping::captionRunsAcrossTheRow()
+void tst_GroupProxyModel::captionRunsAcrossTheRow()
 {
     QFETCH(int, frozen);
     QFETCH(int, scroll);
@@ -178,7 +178,7 @@ void tst_Grouping::captionRunsAcrossTheRow()
     }
 }
 
-void tst_Grouping::rowsInsideGroupFollowSort()
+void tst_GroupProxyModel::rowsInsideGroupFollowSort()
 {
     m_view->expandAll();
     m_view->sortBy(2, Qt::DescendingOrder);
@@ -191,7 +191,7 @@ void tst_Grouping::rowsInsideGroupFollowSort()
     QCOMPARE(m_view->groupCount(), 3);
 }
 
-void tst_Grouping::expandedGroupsSurviveSort()
+void tst_GroupProxyModel::expandedGroupsSurviveSort()
 {
     m_view->setGroupExpanded(2, true);
     m_view->sortBy(2, Qt::AscendingOrder);
@@ -200,7 +200,7 @@ void tst_Grouping::expandedGroupsSurviveSort()
     QCOMPARE(m_view->viewRowCount(), 6);
 }
 
-void tst_Grouping::expanderClickToggles()
+void tst_GroupProxyModel::expanderClickToggles()
 {
     QSignalSpy changed(m_view, &TableView::groupExpandedChanged);
     const QRect groupRow = m_view->cellRect(1, 0);
@@ -217,7 +217,7 @@ void tst_Grouping::expanderClickToggles()
     QVERIFY(!m_view->isGroupExpanded(1));
 }
 
-void tst_Grouping::keysOpenAndShutGroups()
+void tst_GroupProxyModel::keysOpenAndShutGroups()
 {
     m_view->setFocus();
     m_view->setCurrentIndex(m_view->model()->index(0, 0));
@@ -231,7 +231,7 @@ void tst_Grouping::keysOpenAndShutGroups()
     QCOMPARE(m_view->focusedRow(), 1);
 }
 
-void tst_Grouping::groupedColumnHiddenWhenAsked()
+void tst_GroupProxyModel::groupedColumnHiddenWhenAsked()
 {
     QVERIFY(!m_view->isColumnHidden(0));
     m_view->options()->setColumnHidingOnGroupingEnabled(true);
@@ -241,7 +241,7 @@ void tst_Grouping::groupedColumnHiddenWhenAsked()
     QVERIFY(!m_view->isColumnHidden(0));
 }
 
-void tst_Grouping::disabledGroupingRefuses()
+void tst_GroupProxyModel::disabledGroupingRefuses()
 {
     m_view->options()->setGroupingEnabled(false);
     QCOMPARE(m_view->groupColumn(), -1);
@@ -251,7 +251,7 @@ void tst_Grouping::disabledGroupingRefuses()
     QCOMPARE(m_view->viewRowCount(), 6);
 }
 
-void tst_Grouping::endingGroupingRestoresRows()
+void tst_GroupProxyModel::endingGroupingRestoresRows()
 {
     m_view->column(0)->setGroupIndex(-1);
     QCOMPARE(m_view->groupColumn(), -1);
@@ -260,7 +260,7 @@ void tst_Grouping::endingGroupingRestoresRows()
         QCOMPARE(m_view->sourceRow(r), r);
 }
 
-void tst_Grouping::changedTextMovesRowToItsGroup()
+void tst_GroupProxyModel::changedTextMovesRowToItsGroup()
 {
     m_view->expandAll();
     m_model->item(3, 0)->setText(QStringLiteral("银行"));   // 京东方 leaves 电子
@@ -273,5 +273,5 @@ void tst_Grouping::changedTextMovesRowToItsGroup()
     QVERIFY(!m_view->isGroupExpanded(0));
 }
 
-QTEST_MAIN(tst_Grouping)
-#include "tst_grouping.moc"
+QTEST_MAIN(tst_GroupProxyModel)
+#include "tst_groupproxymodel.moc"

@@ -6,7 +6,7 @@
 
 using namespace BandGrid;
 
-class tst_FrozenColumns : public QObject
+class tst_FrozenColumnsView : public QObject
 {
     Q_OBJECT
 private slots:
@@ -28,7 +28,7 @@ private:
     static const int kWidth = 80;
 };
 
-void tst_FrozenColumns::init()
+void tst_FrozenColumnsView::init()
 {
     m_model = new QStandardItemModel(200, kColumns);
     for (int r = 0; r < 200; ++r)
@@ -43,13 +43,13 @@ void tst_FrozenColumns::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_view));
 }
 
-void tst_FrozenColumns::cleanup()
+void tst_FrozenColumnsView::cleanup()
 {
     delete m_view;
     delete m_model;
 }
 
-void tst_FrozenColumns::staysAtLeftWhileScrolled_data()
+void tst_FrozenColumnsView::staysAtLeftWhileScrolled_data()
 {
     QTest::addColumn<int>("frozen");
     QTest::addColumn<int>("scroll");
@@ -60,7 +60,7 @@ void tst_FrozenColumns::staysAtLeftWhileScrolled_data()
     QTest::newRow("three, scrolled by a pixel") << 3 << 1;
 }
 
-void tst_FrozenColumns::staysAtLeftWhileScrolled()
+void tst_FrozenColumnsView::staysAtLeftWhileScrolled()
 {
     QFETCH(int, frozen);
     QFETCH(int, scroll);
@@ -96,7 +96,7 @@ void tst_FrozenColumns::staysAtLeftWhileScrolled()
     QCOMPARE(m_view->cellRect(0, frozen).left(), frozen * kWidth - scrolled);
 }
 
-void tst_FrozenColumns::onlyLeadingColumnsFreeze()
+void tst_FrozenColumnsView::onlyLeadingColumnsFreeze()
 {
     m_view->column(0)->setFixedKind(FixedKind::Left);
     m_view->column(3)->setFixedKind(FixedKind::Left);
@@ -109,7 +109,7 @@ void tst_FrozenColumns::onlyLeadingColumnsFreeze()
     QVERIFY(!m_view->frozenView()->isVisible());
 }
 
-void tst_FrozenColumns::hidingAFrozenColumnNarrowsTheOverlay()
+void tst_FrozenColumnsView::hidingAFrozenColumnNarrowsTheOverlay()
 {
     for (int c = 0; c < 3; ++c)
         m_view->column(c)->setFixedKind(FixedKind::Left);
@@ -121,7 +121,7 @@ void tst_FrozenColumns::hidingAFrozenColumnNarrowsTheOverlay()
     QCOMPARE(m_view->frozenView()->width(), 30 + kWidth);
 }
 
-void tst_FrozenColumns::rowsScrollTogether()
+void tst_FrozenColumnsView::rowsScrollTogether()
 {
     m_view->column(0)->setFixedKind(FixedKind::Left);
     m_view->verticalScrollBar()->setValue(500);
@@ -131,7 +131,7 @@ void tst_FrozenColumns::rowsScrollTogether()
     QCOMPARE(m_view->verticalScrollBar()->value(), 120);
 }
 
-void tst_FrozenColumns::resizeInOverlayReachesMainView()
+void tst_FrozenColumnsView::resizeInOverlayReachesMainView()
 {
     m_view->column(0)->setFixedKind(FixedKind::Left);
     m_view->frozenView()->horizontalHeader()->resizeSection(0, 140);
@@ -140,7 +140,7 @@ void tst_FrozenColumns::resizeInOverlayReachesMainView()
     QCOMPARE(m_view->frozenView()->width(), 140);
 }
 
-void tst_FrozenColumns::keyboardKeepsCurrentCellOutFromUnderOverlay()
+void tst_FrozenColumnsView::keyboardKeepsCurrentCellOutFromUnderOverlay()
 {
     m_view->column(0)->setFixedKind(FixedKind::Left);
     m_view->column(1)->setFixedKind(FixedKind::Left);
@@ -153,7 +153,7 @@ void tst_FrozenColumns::keyboardKeepsCurrentCellOutFromUnderOverlay()
     QVERIFY(m_view->visualRect(m_view->currentIndex()).left() >= m_view->frozenWidth());
 }
 
-void tst_FrozenColumns::clickInOverlaySelectsSharedRow()
+void tst_FrozenColumnsView::clickInOverlaySelectsSharedRow()
 {
     m_view->column(0)->setFixedKind(FixedKind::Left);
     m_view->horizontalScrollBar()->setValue(200);
@@ -167,5 +167,5 @@ void tst_FrozenColumns::clickInOverlaySelectsSharedRow()
     QCOMPARE(m_view->horizontalScrollBar()->value(), 200);
 }
 
-QTEST_MAIN(tst_FrozenColumns)
-#include "tst_frozencolumns.moc"
+QTEST_MAIN(tst_FrozenColumnsView)
+#include "tst_frozencolumnsview.moc"
