@@ -427,6 +427,19 @@ void TableView::setTheme(const GridTheme &theme)
     const QPalette palette = theme.palette(QTableView::palette());
     setPalette(palette);
     d->frozen->setPalette(palette);
+    // Slim scroll bars in the header's colours, as a terminal's tables have.
+    const QString sheet = QStringLiteral(
+        "QScrollBar:vertical { background: %1; width: 11px; margin: 0; border: none; }"
+        "QScrollBar:horizontal { background: %1; height: 11px; margin: 0; border: none; }"
+        "QScrollBar::handle { background: %2; border-radius: 3px; margin: 2px; }"
+        "QScrollBar::handle:vertical { min-height: 24px; }"
+        "QScrollBar::handle:horizontal { min-width: 24px; }"
+        "QScrollBar::handle:hover { background: %3; }"
+        "QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; border: none; background: none; }"
+        "QScrollBar::add-page, QScrollBar::sub-page { background: none; }")
+        .arg(theme.headerBase.name(), theme.headerLine.name(), theme.frozenEdge.name());
+    verticalScrollBar()->setStyleSheet(sheet);
+    horizontalScrollBar()->setStyleSheet(sheet);
     viewport()->update();
     d->frozen->viewport()->update();
     d->header->viewport()->update();
