@@ -89,6 +89,7 @@ TFSujectTableView::TFSujectTableView(QWidget *parent)
     layout->addWidget(m_grid);
     // The grid shows no texts of its own, so there is no translation to load.
 
+    applyGridFont();
     connect(TFCore::instance(), &TFCore::signalSkinChanged, this, &TFSujectTableView::applyTheme);
 }
 
@@ -384,12 +385,18 @@ void TFSujectTableView::applyTheme()
         theme.highlightedText = selectionText;
     m_grid->setTheme(theme);
 
+    applyGridFont();
+    m_view->options()->setZoomFactor(1.0);
+}
+
+void TFSujectTableView::applyGridFont()
+{
+    // The root view takes the grid's font, so widths measured before the
+    // theme runs match the text as shown.
     QFont font = m_grid->font();
     font.setFamily(QApplication::font().family());
     font.setPointSize(10);
     m_grid->setFont(font);
-    m_view->setFont(font);
-    m_view->options()->setZoomFactor(1.0);
 }
 
 void TFSujectTableView::onModelReset()
@@ -436,20 +443,23 @@ void TFSujectTableView::onLinkActivated(const QString &anchor, const QModelIndex
 QString TFSujectTableView::substituteLink(const QString &link, const QMap<QString, QVariant> &values)
 {
     QUrl url(link);
-    if (url.hasQuery()) {
-        QString query = url.query();
-        QRegExp placeholder(QStringLiteral("\\$\\{(.*)\\}"));
-        placeholder.setMinimal(true);
-        QStringList names;
-        int pos = 0;
-        while ((pos = placeholder.indexIn(query, pos)) != -1) {
-            names.append(placeholder.cap(1));
-            pos += qMax(1, placeholder.matchedLength());
-        }
-        for (const QString &name : qAsConst(names))
-            query.replace(QStringLiteral("${%1}").arg(name), values.value(name).toString());
-        url.setQuery(query);
+    // Without a query there is nothing to fill; the text goes on as written.
+    if (!url.hasQuery()) {
+        qDebug() << "linkActivated:" << link;
+        return link;
     }
+    QString query = url.query();
+    QRegExp placeholder(QStringLiteral("\\$\\{(.*)\\}"));
+    placeholder.setMinimal(true);
+    QStringList names;
+    int pos = 0;
+    while ((pos = placeholder.indexIn(query, pos)) != -1) {
+        names.append(placeholder.cap(1));
+        pos += qMax(1, placeholder.matchedLength());
+    }
+    for (const QString &name : qAsConst(names))
+        query.replace(QStringLiteral("${%1}").arg(name), values.value(name).toString());
+    url.setQuery(query);
     qDebug() << "linkActivated:" << url;
     return url.toString();
 }

@@ -100,6 +100,7 @@ private:
     void createBands();
     void applyOptions();
     void applyTheme();
+    void applyGridFont();
     void onModelReset();
     void onHeaderDataChanged();
     void onCellButtonClicked(int row, int column);

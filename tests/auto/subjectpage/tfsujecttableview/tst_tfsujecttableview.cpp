@@ -1,0 +1,470 @@
+#include "mulittable/tfheaderdatastruct.h"
+#include "mulittable/tfsubjecttablemodel.h"
+#include "mulittable/tfsujecttableview.h"
+
+#include "bandgrid.h"
+
+#include <QFontMetrics>
+#include <QSignalSpy>
+#include <QToolButton>
+#include <QWheelEvent>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+HeaderFieldInfo field(const QString &name, const QString &owner = QStringLiteral("0"),
+                      const QString &columnType = QStringLiteral("BandedGridColumn"), int width = 80)
+{
+    HeaderFieldInfo info;
+    info.fieldName = name;
+    info.caption = name;
+    info.ownerBand = owner;
+    info.columnType = columnType;
+    info.valueType = QStringLiteral("String");
+    info.width = width;
+    info.visible = true;
+    return info;
+}
+
+// Trees are written as "name/owner" lists; a node is a band when another
+// names it as its owner. Built bottom-up, as the tree expects.
+TFTreeStruct *node(const HeaderFieldInfo &info, const QList<TFTreeStruct *> &children = {})
+{
+    auto *n = new TFTreeStruct(info);
+    for (TFTreeStruct *child : children)
+        n->addChild(child);
+    return n;
+}
+
+// depth 2: three plain columns
+TFTreeStruct *flatTree()
+{
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("A")));
+    root->addChild(node(field("B")));
+    root->addChild(node(field("C")));
+    return root;
+}
+
+// depth 3: band Q over A and B, then a plain C
+TFTreeStruct *bandedTree()
+{
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("Q", "0", "Band"), {node(field("A", "Q")), node(field("B", "Q"))}));
+    root->addChild(node(field("C")));
+    return root;
+}
+
+// depth 4: band P over (band Q over A, B) and C; then a plain D
+TFTreeStruct *deepTree()
+{
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("P", "0", "Band"),
+                        {node(field("Q", "P", "Band"), {node(field("A", "Q")), node(field("B", "Q"))}),
+                         node(field("C", "P"))}));
+    root->addChild(node(field("D")));
+    return root;
+}
+
+RowData rowOf(const QList<TFTreeStruct *> &leaves, int row, const QVariantMap &extra = {})
+{
+    RowData cells;
+    for (const TFTreeStruct *leaf : leaves) {
+        TFTableModelData::tagCellValue cell;
+        cell.fieldName = leaf->info().fieldName;
+        cell.valueType = QStringLiteral("String");
+        cell.url = leaf->info().url;
+        cell.value = QStringLiteral("%1%2").arg(leaf->info().fieldName).arg(row);
+        cells.append(cell);
+    }
+    for (auto it = extra.cbegin(); it != extra.cend(); ++it) {
+        TFTableModelData::tagCellValue cell;
+        cell.fieldName = it.key();
+        cell.value = it.value();
+        cells.append(cell);
+    }
+    return cells;
+}
+
+struct Fixture
+{
+    explicit Fixture(TFTreeStruct *tree, int rows = 3, const QVariantMap &extra = {})
+        : header(tree)
+    {
+        model.setHeader(header.get());
+        QList<RowData> data;
+        for (int r = 0; r < rows; ++r)
+            data.append(rowOf(header->leaves(), r, extra));
+        model.setRows(data);
+        view.setModel(&model);
+    }
+    std::unique_ptr<TFTreeStruct> header;
+    TFSubjectTableModel model;
+    TFSujectTableView view;
+};
+
+QString bandName(const BandGrid::Band *band)
+{
+    return band ? band->property("fieldName").toString() : QStringLiteral("-");
+}
+
+} // namespace
+
+class tst_TFSujectTableView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { TFTableModelData::registerRowDataType(); }
+
+    void objectNames();
+    void layoutByDepth_data();
+    void layoutByDepth();
+    void columnWidth_data();
+    void columnWidth();
+    void widthsApplied();
+    void editors();
+    void hiddenLeaf_data();
+    void hiddenLeaf();
+    void frozenCount_data();
+    void frozenCount();
+    void groupColumn();
+    void columnsAlignment();
+    void substituteLink_data();
+    void substituteLink();
+    void editorLinkActivated_data();
+    void editorLinkActivated();
+    void nullLinkArgs();
+    void focusRowEmitsClicked();
+    void headerCaptionsFollowTree();
+    void wheelFilter();
+};
+
+void tst_TFSujectTableView::objectNames()
+{
+    TFSujectTableView view;
+    QCOMPARE(view.objectName(), QStringLiteral("tfTableView"));
+    QCOMPARE(view.grid()->objectName(), QStringLiteral("tfGridView"));
+    QCOMPARE(view.cornerWidget()->objectName(), QStringLiteral("CornerWidget"));
+    QVERIFY(view.grid()->hasMouseTracking());
+    QCOMPARE(view.number(), 2);
+    QCOMPARE(view.depth(), 1);
+}
+
+void tst_TFSujectTableView::layoutByDepth_data()
+{
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<bool>("banded");
+    QTest::addColumn<QStringList>("bands");        // fieldName/caption/parent fieldName
+    QTest::addColumn<QStringList>("columnBands");  // the band each column stands under
+
+    QTest::newRow("depth 2: plain, no bands") << 0 << 2 << false << QStringList() << QStringList{"-", "-", "-"};
+    QTest::newRow("depth 3: a band and an empty one over the plain column")
+        << 1 << 3 << true << QStringList{"Q/Q/-", "C//-"} << QStringList{"Q", "Q", "C"};
+    // A leaf binds to the band its owner names; only a top-level leaf
+    // stands under the empty band made for it.
+    QTest::newRow("depth 4: nested bands, empty bands over higher leaves")
+        << 2 << 4 << true << QStringList{"P/P/-", "D//-", "Q/Q/P", "C//P"} << QStringList{"Q", "Q", "P", "D"};
+}
+
+void tst_TFSujectTableView::layoutByDepth()
+{
+    QFETCH(int, tree);
+    QFETCH(int, depth);
+    QFETCH(bool, banded);
+    QFETCH(QStringList, bands);
+    QFETCH(QStringList, columnBands);
+
+    TFTreeStruct *trees[] = {flatTree(), bandedTree(), deepTree()};
+    for (int i = 0; i < 3; ++i) {
+        if (i != tree)
+            delete trees[i];
+    }
+    Fixture f(trees[tree]);
+    QCOMPARE(f.view.depth(), depth);
+    QCOMPARE(f.view.grid()->viewType() == BandGrid::ViewType::BandedTable, banded);
+    QCOMPARE(f.view.grid()->bandedView() != nullptr, banded);
+
+    QStringList madeBands;
+    for (int b = 0; b < f.view.view()->bandCount(); ++b) {
+        const BandGrid::Band *band = f.view.view()->band(b);
+        madeBands << QStringLiteral("%1/%2/%3").arg(bandName(band), band->caption(), bandName(band->parentBand()));
+        QCOMPARE(int(band->textAlignment()), int(Qt::AlignCenter));
+    }
+    QCOMPARE(madeBands, bands);
+
+    QStringList madeColumnBands;
+    for (int c = 0; c < f.view.view()->columnCount(); ++c)
+        madeColumnBands << bandName(f.view.view()->column(c)->parentBand());
+    QCOMPARE(madeColumnBands, columnBands);
+}
+
+void tst_TFSujectTableView::columnWidth_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<int>("expected");   // -1: measured
+
+    QTest::newRow("given width") << 70 << "代码" << "" << 70;
+    QTest::newRow("zero gives the default") << 0 << "代码" << "" << 104;
+    QTest::newRow("other negative gives the default") << -1 << "代码" << "" << 104;
+    QTest::newRow("-9 measures the caption") << -9 << "证券简称" << "" << -1;
+    QTest::newRow("-9 measures caption and unit") << -9 << "总市值" << "亿元" << -1;
+}
+
+void tst_TFSujectTableView::columnWidth()
+{
+    QFETCH(int, width);
+    QFETCH(QString, caption);
+    QFETCH(QString, unit);
+    QFETCH(int, expected);
+
+    HeaderFieldInfo info = field("X");
+    info.width = width;
+    info.caption = caption;
+    info.showUnit = unit;
+    QFont font;
+    font.setPointSize(10);
+    if (expected < 0) {
+        const QFontMetrics metrics(font);
+        expected = metrics.horizontalAdvance(caption) + 45;
+        if (!unit.isEmpty())
+            expected += metrics.horizontalAdvance(QStringLiteral("( %1 )").arg(unit));
+        QVERIFY(expected > 45);
+    }
+    QCOMPARE(TFSujectTableView::columnWidth(info, font), expected);
+}
+
+void tst_TFSujectTableView::widthsApplied()
+{
+    auto *root = new TFTreeStruct(QString());
+    HeaderFieldInfo measured = field("M", "0", "BandedGridColumn", -9);
+    measured.caption = QStringLiteral("一个很长的标题");
+    root->addChild(node(field("A", "0", "BandedGridColumn", 66)));
+    root->addChild(node(measured));
+    root->addChild(node(field("Z", "0", "BandedGridColumn", 0)));
+    Fixture f(root);
+    QCOMPARE(f.view.view()->column(0)->width(), 66);
+    QCOMPARE(f.view.view()->column(1)->width(), TFSujectTableView::columnWidth(measured, f.view.view()->font()));
+    QCOMPARE(f.view.view()->column(2)->width(), 104);
+}
+
+void tst_TFSujectTableView::editors()
+{
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("A")));
+    root->addChild(node(field("L", "0", "hyperlinkedit")));
+    root->addChild(node(field("M", "0", "MEMOEXEDIT")));
+    Fixture f(root);
+    BandGrid::TableView *view = f.view.view();
+    QCOMPARE(view->column(0)->editorKind(), BandGrid::EditorKind::Text);
+    QCOMPARE(view->column(0)->buttonCount(), 0);
+    QCOMPARE(view->column(1)->editorKind(), BandGrid::EditorKind::Link);
+    QCOMPARE(view->column(2)->buttonCount(), 1);
+
+    // Applying the settings again adds no second button.
+    const QList<HeaderFieldInfo *> records = f.header->leafRecords();
+    f.view.applyColumnSettings(records);
+    qDeleteAll(records);
+    QCOMPARE(view->column(2)->buttonCount(), 1);
+}
+
+void tst_TFSujectTableView::hiddenLeaf_data()
+{
+    QTest::addColumn<QString>("hiddenField");
+    QTest::addColumn<QStringList>("hiddenColumns");
+    QTest::addColumn<QStringList>("hiddenBands");
+
+    // A leaf with visible siblings under its band: only the column goes.
+    QTest::newRow("leaf beside visible leaves") << "A" << QStringList{"A"} << QStringList();
+    // A top-level leaf stands under an empty band of its own, which goes too.
+    QTest::newRow("top-level leaf with its own band") << "D" << QStringList{"D"} << QStringList{"D"};
+    // A leaf beside a nested band: the band keeps its nested band's columns.
+    QTest::newRow("leaf beside a nested band") << "C" << QStringList{"C"} << QStringList();
+    // Both leaves of the nested band: it goes, the band above keeps C.
+    QTest::newRow("all leaves of a nested band") << "A,B" << QStringList{"A", "B"} << QStringList{"Q"};
+}
+
+void tst_TFSujectTableView::hiddenLeaf()
+{
+    QFETCH(QString, hiddenField);
+    QFETCH(QStringList, hiddenColumns);
+    QFETCH(QStringList, hiddenBands);
+
+    TFTreeStruct *root = deepTree();
+    const QStringList hiddenFields = hiddenField.split(QLatin1Char(','));
+    for (const QString &name : hiddenFields)
+        root->findField(name)->info().visible = false;
+    Fixture f(root);
+    BandGrid::TableView *view = f.view.view();
+
+    QStringList columns;
+    for (int c = 0; c < view->columnCount(); ++c) {
+        if (!view->column(c)->isVisible())
+            columns << f.header->leaves().at(c)->info().fieldName;
+    }
+    QCOMPARE(columns, hiddenColumns);
+    QStringList bands;
+    for (int b = 0; b < view->bandCount(); ++b) {
+        if (!view->band(b)->isVisible())
+            bands << bandName(view->band(b));
+    }
+    QCOMPARE(bands, hiddenBands);
+
+    int count = -1;
+    f.view.hideColumn(count);
+    QCOMPARE(count, hiddenFields.size());
+}
+
+void tst_TFSujectTableView::frozenCount_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("frozen");
+
+    QTest::newRow("none") << 0 << 0;
+    QTest::newRow("negative") << -2 << 0;
+    QTest::newRow("two") << 2 << 2;
+    QTest::newRow("all columns") << 3 << 3;
+    QTest::newRow("more than the columns does nothing") << 4 << 0;
+}
+
+void tst_TFSujectTableView::frozenCount()
+{
+    QFETCH(int, count);
+    QFETCH(int, frozen);
+    Fixture f(flatTree());
+    f.view.setFrozenCount(count);
+    int fixed = 0;
+    for (int c = 0; c < f.view.view()->columnCount(); ++c) {
+        if (f.view.view()->column(c)->fixedKind() == BandGrid::FixedKind::Left)
+            ++fixed;
+    }
+    QCOMPARE(fixed, frozen);
+    QCOMPARE(f.view.view()->frozenColumnCount(), frozen);
+}
+
+void tst_TFSujectTableView::groupColumn()
+{
+    Fixture f(flatTree());
+    f.view.setGroupColumn(-1);
+    QCOMPARE(f.view.view()->groupColumn(), 2);
+    f.view.expandAll();
+    QCOMPARE(f.view.view()->groupCount(), 3);
+    QVERIFY(f.view.view()->isGroupExpanded(0));
+    QCOMPARE(f.view.grid()->theme().groupText, QColor("#0060E3"));
+    QCOMPARE(f.view.grid()->theme().groupBase, QColor("#F0F0F0"));
+    QCOMPARE(f.view.grid()->theme().groupLine, QColor("#CCCCCC"));
+
+    f.view.setGroupColumn(99);
+    QCOMPARE(f.view.view()->groupColumn(), 2);
+}
+
+void tst_TFSujectTableView::columnsAlignment()
+{
+    Fixture f(bandedTree());
+    f.view.setColumnsAlignment(Qt::AlignCenter);
+    for (int c = 0; c < f.view.view()->columnCount(); ++c) {
+        const BandGrid::Column *column = f.view.view()->column(c);
+        QCOMPARE(column->sortRole(), 274);
+        QVERIFY(column->isSortLocaleAware());
+        QCOMPARE(int(column->textAlignment()), 132);
+    }
+}
+
+void tst_TFSujectTableView::substituteLink_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("no query: unchanged") << "view://x/${SECU_ID}" << "view://x/${SECU_ID}";
+    QTest::newRow("one field") << "view:?objvwid=261&secu=${SECU_ID}" << "view:?objvwid=261&secu=1001";
+    QTest::newRow("two fields, the same twice")
+        << "view:?a=${SECU_ID}&b=${NAME}&c=${SECU_ID}" << "view:?a=1001&b=abc&c=1001";
+    QTest::newRow("field the row lacks becomes empty") << "view:?a=${NOPE}&b=1" << "view:?a=&b=1";
+}
+
+void tst_TFSujectTableView::substituteLink()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, expected);
+    const QMap<QString, QVariant> values{{"SECU_ID", 1001}, {"NAME", "abc"}};
+    QCOMPARE(TFSujectTableView::substituteLink(link, values), expected);
+}
+
+void tst_TFSujectTableView::editorLinkActivated_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("empty link role follows the anchor") << "" << "anchor";
+    QTest::newRow("link with a row field, from a further cell")
+        << "view:?objvwid=5&id=${SECU_ID}&name=${L}" << "view:?objvwid=5&id=77&name=L1";
+}
+
+void tst_TFSujectTableView::editorLinkActivated()
+{
+    QFETCH(QString, url);
+    QFETCH(QString, expected);
+
+    auto *root = new TFTreeStruct(QString());
+    HeaderFieldInfo link = field("L", "0", "HyperLinkEdit");
+    link.url = url;
+    root->addChild(node(field("A")));
+    root->addChild(node(link));
+    Fixture f(root, 3, QVariantMap{{"SECU_ID", 77}});
+
+    QSignalSpy spy(&f.view, &TFSujectTableView::linkActivated);
+    EditorLinkEventArgs args(f.view.view()->column(1), 1, QStringLiteral("anchor"));
+    f.view.editorLinkActivated(&args);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toString(), expected);
+}
+
+void tst_TFSujectTableView::nullLinkArgs()
+{
+    Fixture f(flatTree());
+    QSignalSpy spy(&f.view, &TFSujectTableView::linkActivated);
+    QTest::ignoreMessage(QtWarningMsg, "this args is not vaild!!!");
+    f.view.editorLinkActivated(nullptr);
+    QCOMPARE(spy.count(), 0);
+}
+
+void tst_TFSujectTableView::focusRowEmitsClicked()
+{
+    Fixture f(bandedTree());
+    QSignalSpy spy(&f.view, &TFSujectTableView::clicked);
+    f.view.view()->setFocusedRow(2);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toInt(), 2);
+}
+
+void tst_TFSujectTableView::headerCaptionsFollowTree()
+{
+    Fixture f(flatTree());
+    HeaderFieldInfo &info = f.header->leaves().at(1)->info();
+    info.columnType = QStringLiteral("BandedGridColumnWithUnit");
+    info.captionShowType = 1;
+    info.showUnit = QStringLiteral("元");
+    info.unitCategory = 1;
+    f.header->updateUnit(QStringLiteral("万元"), 1);
+    f.model.setHeader(f.header.get());
+    QCOMPARE(f.view.view()->column(1)->caption(), QStringLiteral("B(万元)"));
+    QCOMPARE(f.view.view()->column(0)->caption(), QStringLiteral("A"));
+}
+
+void tst_TFSujectTableView::wheelFilter()
+{
+    TFSujectTableView view;
+    QWheelEvent wheel(QPointF(1, 1), QPointF(1, 1), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QEvent other(QEvent::MouseButtonPress);
+    QVERIFY(view.eventFilter(&view, &wheel));
+    QVERIFY(!view.eventFilter(&view, &other));
+}
+
+QTEST_MAIN(tst_TFSujectTableView)
+#include "tst_tfsujecttableview.moc"
