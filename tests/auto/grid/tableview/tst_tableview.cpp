@@ -36,6 +36,7 @@ private slots:
     void columnFontSizesTheHeader();
     void rubberBandFollowsTheDrag();
     void currentCellFramedWhenCellsAreSelected_data();
+    void gridKeepsThemeAndFontAcrossViewTypes();
     void currentCellFramedWhenCellsAreSelected();
 
 private:
@@ -411,6 +412,26 @@ void tst_TableView::currentCellFramedWhenCellsAreSelected()
     const QImage image = m_view->viewport()->grab().toImage();
     const QRect cell = m_view->cellRect(1, 1);
     QCOMPARE(image.pixelColor(cell.left(), cell.center().y()) == m_view->theme().link, framed);
+}
+
+void tst_TableView::gridKeepsThemeAndFontAcrossViewTypes()
+{
+    Grid grid;
+    QFont font = grid.font();
+    font.setPointSize(15);
+    grid.setFont(font);
+    grid.setTheme(GridTheme::dark());
+    QCOMPARE(grid.view()->theme(), GridTheme::dark());
+    QSignalSpy changed(&grid, &Grid::viewChanged);
+    grid.setViewType(ViewType::BandedTable);
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(grid.bandedView());
+    QCOMPARE(grid.view()->theme(), GridTheme::dark());
+    QCOMPARE(grid.view()->cellFont().pointSize(), 15);
+    font.setPointSize(8);
+    grid.setFont(font);   // reaches the view, which keeps no font of its own
+    QCOMPARE(grid.view()->cellFont().pointSize(), 8);
+    QCOMPARE(grid.view()->verticalHeader()->defaultSectionSize(), grid.view()->rowHeight());
 }
 
 QTEST_MAIN(tst_TableView)
