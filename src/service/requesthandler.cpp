@@ -169,19 +169,16 @@ QByteArray RequestHandler::listReply(const RequestBody &body) const
         return failure(QStringLiteral("unknown objName: %1").arg(body.objName));
     const ColumnSet columns = m_database.columns(list->source);
     SqlFragment where;
-    QString orderSql;
     QString error;
-    if (!ViewQuery::whereClause(body, columns, nullptr, &where, &error)
-        || !ViewQuery::orderClause(body.order, QString(), columns, &orderSql, &error))
+    if (!ViewQuery::whereClause(body, columns, nullptr, &where, &error))
         return failure(error);
     QJsonArray rows;
+    // A list is a set of names; the control sorts it by name anyway.
     const QString sql = QStringLiteral("SELECT DISTINCT \"%1\" AS NAME, \"%2\" AS VALUE FROM \"%3\"")
                             .arg(columns.value(list->nameColumn.toUpper()).name,
                                  columns.value(list->valueColumn.toUpper()).name,
                                  m_database.tableName(list->source));
-    // DISTINCT cannot order by rowid; the list's order is the order of its names.
-    orderSql = QStringLiteral(" ORDER BY NAME");
-    if (!m_database.select(sql + where.sql + orderSql, where.bindings, &rows, &error))
+    if (!m_database.select(sql + where.sql + QStringLiteral(" ORDER BY NAME"), where.bindings, &rows, &error))
         return failure(error);
     return envelope(1, QString(), rows);
 }

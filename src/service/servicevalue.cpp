@@ -33,13 +33,13 @@ static QString strippedText(QString text)
     return text;
 }
 
-QDate parseServiceDate(const QJsonValue &value)
+QDateTime parseServiceDateTime(const QJsonValue &value)
 {
     if (value.isDouble()) {
         const double ms = value.toDouble();
         if (ms < -1e15 || ms > 1e15)
             return {};
-        return QDateTime::fromMSecsSinceEpoch(qint64(ms)).date();
+        return QDateTime::fromMSecsSinceEpoch(qint64(ms));
     }
     if (!value.isString())
         return {};
@@ -56,16 +56,28 @@ QDate parseServiceDate(const QJsonValue &value)
             if (m.captured(2) == QLatin1String("-"))
                 offsetSeconds = -offsetSeconds;
         }
-        // The offset says in which zone the instant was meant; its calendar day there counts.
-        return QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, offsetSeconds).date();
+        // The offset says in which zone the instant was meant; its wall clock there counts.
+        const QDateTime there = QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, offsetSeconds);
+        return QDateTime(there.date(), there.time());
     }
 
     static const QRegularExpression isoDate(
         QStringLiteral("^(\\d{4})-(\\d{1,2})-(\\d{1,2})(?:[ T](\\d{1,2}):(\\d{2})(?::(\\d{2}))?)?$"));
     const QRegularExpressionMatch d = isoDate.match(text);
-    if (d.hasMatch())
-        return QDate(d.captured(1).toInt(), d.captured(2).toInt(), d.captured(3).toInt());
-    return {};
+    if (!d.hasMatch())
+        return {};
+    const QDate date(d.captured(1).toInt(), d.captured(2).toInt(), d.captured(3).toInt());
+    const QTime time = d.captured(4).isEmpty()
+                           ? QTime(0, 0)
+                           : QTime(d.captured(4).toInt(), d.captured(5).toInt(), d.captured(6).toInt());
+    if (!date.isValid() || !time.isValid())
+        return {};
+    return QDateTime(date, time);
+}
+
+QDate parseServiceDate(const QJsonValue &value)
+{
+    return parseServiceDateTime(value).date();
 }
 
 int parseYearMonth(const QJsonValue &value)
@@ -128,12 +140,17 @@ QVariant coerceForColumn(const QJsonValue &value, ColumnKind kind, const QString
         return QVariant(d);
     }
     case ColumnKind::Date: {
-        const QDate date = parseServiceDate(value);
-        if (!date.isValid()) {
+        // Dates are stored as "yyyy-MM-dd", which compares as midnight against
+        // "yyyy-MM-dd hh:mm:ss": a bound time of day keeps its meaning, so
+        // ">= 2024-01-01 23:59:59" leaves out the first of January itself.
+        const QDateTime dateTime = parseServiceDateTime(value);
+        if (!dateTime.isValid()) {
             *error = QStringLiteral("value of wrong type for %1: a date is expected").arg(field);
             return {};
         }
-        return QVariant(date.toString(Qt::ISODate));
+        if (dateTime.time() == QTime(0, 0))
+            return QVariant(dateTime.date().toString(Qt::ISODate));
+        return QVariant(dateTime.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
     }
     case ColumnKind::YearMonth: {
         const int ym = parseYearMonth(value);

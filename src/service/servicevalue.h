@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QJsonValue>
 #include <QString>
 #include <QVariant>
@@ -16,6 +17,9 @@ ColumnKind columnKindFromDeclaredType(const QString &declaredType);
 // "yyyy-M-d", "/Date(ms+zzzz)", any of them inside "[...]" or quotes, or a
 // number of milliseconds since the epoch. Returns an invalid date otherwise.
 QDate parseServiceDate(const QJsonValue &value);
+
+// The same forms with their time of day; a date alone is midnight.
+QDateTime parseServiceDateTime(const QJsonValue &value);
 
 // "201903", "2019-3", "'2019-03'", "2019-03-31" -> 201903; 0 when unreadable.
 int parseYearMonth(const QJsonValue &value);

@@ -329,6 +329,12 @@ void tst_SubjectService::filterTranslation_data()
     rows("less or equal, date", "(LIST_DATE <= :d)", R"j({"d":"2000-01-01"})j", "LIST_DATE <= '2000-01-01'", 10);
     rows("date with time in brackets", "(LIST_DATE <= :d)", R"j({"d":"[2000-01-01 23:59:59]"})j",
          "LIST_DATE <= '2000-01-01'", 10);
+    rows("a day's last second excludes the day", "(LIST_DATE >= :d)", R"j({"d":"[2000-01-01 23:59:59]"})j",
+         "LIST_DATE > '2000-01-01'", 100);
+    rows("midnight is the day itself", "(LIST_DATE >= :d)", R"j({"d":"[2000-01-01 00:00:00]"})j",
+         "LIST_DATE >= '2000-01-01'", 100);
+    rows("equal date", "(TRADE_DATE == :d)", R"j({"d":"2024-12-31"})j", "TRADE_DATE = '2024-12-31'", 2000);
+    rows("equal date at a time of day", "(TRADE_DATE == :d)", R"j({"d":"[2024-12-31 23:59:59]"})j", "0", 0);
     rows("service date", "(LIST_DATE <= :d)", R"j({"d":"/Date(946656000000+0800)"})j", "LIST_DATE <= '2000-01-01'", 10);
     rows("equal text", "(MKT == :m)", R"j({"m":"上交所"})j", "MKT = '上交所'", 100);
     rows("not equal", "(MKT != :m)", R"j({"m":"上交所"})j", "MKT <> '上交所'", 100);
