@@ -104,13 +104,22 @@ bool isUnsignedDecimal(const QString &text)
     return true;
 }
 
-// The engine's answer as a number-like variant, or an invalid one.
+// The engine's answer as a number-like variant, or an invalid one. A number
+// whose text would be "nan", "inf" or "-inf" is no answer; it is tested as a
+// number, since writing every row's result out as text is costly.
 QVariant numberLike(const QVariant &value)
 {
     bool ok = false;
-    value.toDouble(&ok);
+    const double number = value.toDouble(&ok);
     if (!ok)
         return QVariant();
+    if (value.userType() == QMetaType::Double) {
+        if (qIsNaN(number) || qIsInf(number))
+            return QVariant();
+        return value;
+    }
+    if (value.userType() == QMetaType::Int || value.userType() == QMetaType::Bool)
+        return value;
     const QString text = value.toString();
     if (text == QLatin1String("nan") || text == QLatin1String("inf") || text == QLatin1String("-inf"))
         return QVariant();
@@ -220,18 +229,29 @@ bool ExpressionParse::evaluateArithmetic(CompiledFormula &formula,
     if (!formula.function().isCallable())
         return false;
 
-    QJSValueList values;
-    values.reserve(formula.splices().size());
-    for (const CompiledFormula::Splice &splice : formula.splices()) {
+    // Calls first: a call result that cannot be passed decides for the
+    // glued text before any field is converted.
+    const QVector<CompiledFormula::Splice> &splices = formula.splices();
+    QJSValueList callResults;
+    for (const CompiledFormula::Splice &splice : splices) {
+        if (splice.kind != CompiledFormula::Splice::Call)
+            continue;
+        // Calls give dates, empty texts and signed numbers too; only an
+        // unsigned decimal reads the same spliced or passed.
+        const QString text = evalFunction(splice.text);
+        if (!isUnsignedDecimal(text))
+            return false;
+        bool isInt = false;
+        const int number = text.toInt(&isInt);
+        callResults.append(isInt ? QJSValue(number) : QJSValue(text.toDouble()));
+    }
+
+    int call = 0;
+    QJSValueList ordered;
+    ordered.reserve(splices.size());
+    for (const CompiledFormula::Splice &splice : splices) {
         if (splice.kind == CompiledFormula::Splice::Call) {
-            // Calls give dates, empty texts and signed numbers too; only an
-            // unsigned decimal reads the same spliced or passed.
-            const QString text = evalFunction(splice.text);
-            if (!isUnsignedDecimal(text))
-                return false;
-            bool isInt = false;
-            const int number = text.toInt(&isInt);
-            values.append(isInt ? QJSValue(number) : QJSValue(text.toDouble()));
+            ordered.append(callResults.at(call++));
             continue;
         }
         const auto argument = arguments.constFind(splice.text);
@@ -244,17 +264,17 @@ bool ExpressionParse::evaluateArithmetic(CompiledFormula &formula,
             const QString fixed = QString::number(text.toDouble(), 'f');
             if (!isFixedLiteral(fixed) || (splice.afterMinus && fixed.startsWith(QLatin1Char('-'))))
                 return false;
-            values.append(QJSValue(fixed.toDouble()));
+            ordered.append(QJSValue(fixed.toDouble()));
         } else {
             const int number = text.toInt();
             if (splice.afterMinus && number < 0)
                 return false;
-            values.append(QJSValue(number));
+            ordered.append(QJSValue(number));
         }
     }
 
     m_watchdog->begin();
-    value = formula.function().call(values);
+    value = formula.function().call(ordered);
     m_watchdog->end();
     return true;
 }
