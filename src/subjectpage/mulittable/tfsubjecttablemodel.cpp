@@ -135,14 +135,14 @@ QVariant TFSubjectTableModel::displayText(const tagCellValue& cell, int column) 
     const QList<TFTreeStruct*> leaves = m_header ? m_header->leaves() : QList<TFTreeStruct*>();
     const HeaderFieldInfo& record = column < leaves.size() ? leaves.at(column)->info() : emptyRecord();
 
-    const QString& type = cell.valueType;
-    if (type.compare(QLatin1String("decimal"), Qt::CaseInsensitive) == 0) {
+    switch (kindOf(cell.valueType)) {
+    case DecimalValue: {
         bool ok = false;
         double number = value.toDouble(&ok);
         if (!ok)
             return value;
-        const int precision = precisionOf(record.formatString);
-        if (isUnitColumn(record.columnType)) {
+        const ColumnFormat& format = formatOf(column, record);
+        if (format.unitColumn) {
             if (m_unitFactor == 0 && m_unitCategory == 0 && record.showUnitFactor != 0)
                 number = number * record.prevUnitFactor / record.showUnitFactor;
             else if (record.unitCategory == m_unitCategory && m_unitFactor != 0)
@@ -150,16 +150,55 @@ QVariant TFSubjectTableModel::displayText(const tagCellValue& cell, int column) 
         }
         // What "%L1" with width 0, 'f' and a blank fill gives: the default
         // locale's digits and group separators.
-        return QLocale().toString(number, 'f', precision);
+        return QLocale().toString(number, 'f', format.precision);
     }
-    if (type.contains(QLatin1String("string"), Qt::CaseInsensitive))
+    case StringValue:
         return value.toString().trimmed();
-    if (type.compare(QLatin1String("datetime"), Qt::CaseInsensitive) == 0) {
+    case DateTimeValue: {
         const QString format = record.formatString.isEmpty() ? QStringLiteral("yyyy-MM-dd")
                                                              : record.formatString;
         return dateText(value.toLongLong(), format, column);
     }
+    case OtherValue:
+        break;
+    }
     return value;
+}
+
+TFSubjectTableModel::ValueKind TFSubjectTableModel::kindOf(const QString& valueType) const
+{
+    for (const KindOfType& known : qAsConst(m_kinds)) {
+        if (known.type.constData() == valueType.constData() && known.type.size() == valueType.size())
+            return known.kind;
+    }
+    ValueKind kind = OtherValue;
+    if (valueType.compare(QLatin1String("decimal"), Qt::CaseInsensitive) == 0)
+        kind = DecimalValue;
+    else if (valueType.contains(QLatin1String("string"), Qt::CaseInsensitive))
+        kind = StringValue;
+    else if (valueType.compare(QLatin1String("datetime"), Qt::CaseInsensitive) == 0)
+        kind = DateTimeValue;
+    if (m_kinds.size() >= 64)
+        m_kinds.clear();
+    m_kinds.append({ valueType, kind });
+    return kind;
+}
+
+const TFSubjectTableModel::ColumnFormat& TFSubjectTableModel::formatOf(int column, const HeaderFieldInfo& record) const
+{
+    if (column >= m_formats.size())
+        m_formats.resize(column + 1);
+    ColumnFormat& format = m_formats[column];
+    if (format.columnType.constData() != record.columnType.constData()
+        || format.columnType.size() != record.columnType.size()
+        || format.formatString.constData() != record.formatString.constData()
+        || format.formatString.size() != record.formatString.size()) {
+        format.columnType = record.columnType;
+        format.formatString = record.formatString;
+        format.unitColumn = isUnitColumn(record.columnType);
+        format.precision = precisionOf(record.formatString);
+    }
+    return format;
 }
 
 QString TFSubjectTableModel::dateText(qint64 msecs, const QString& format, int column) const

@@ -101,4 +101,25 @@ private:
         QHash<qint64, QString> texts;
     };
     mutable QVector<DateTexts> m_dateTexts;
+
+    // What a type or format text means, worked out once per text. An entry
+    // keeps its text, so a text found at the same address is the same text:
+    // shared strings never change in place.
+    enum ValueKind { DecimalValue, StringValue, DateTimeValue, OtherValue };
+    struct KindOfType
+    {
+        QString type;
+        ValueKind kind;
+    };
+    struct ColumnFormat
+    {
+        QString columnType;
+        QString formatString;
+        bool unitColumn = false;
+        int precision = 2;
+    };
+    ValueKind kindOf(const QString& valueType) const;
+    const ColumnFormat& formatOf(int column, const HeaderFieldInfo& record) const;
+    mutable QVector<KindOfType> m_kinds;
+    mutable QVector<ColumnFormat> m_formats;
 };

@@ -92,6 +92,7 @@ private slots:
     void headerAndFlags();
     void signals_();
     void allSelectedData();
+    void recordChangesInTheTreeShowAtOnce();
 
 private:
     QLocale m_savedLocale;
@@ -541,6 +542,29 @@ void tst_TFSubjectTableModel::allSelectedData()
     table.model.rows(rows);
     QCOMPARE(rows.size(), 2);
     QCOMPARE(rows.first().size(), 3);
+}
+
+void tst_TFSubjectTableModel::recordChangesInTheTreeShowAtOnce()
+{
+    // The decimal path reads the column's record from the tree at every
+    // call: what the model works out from it once must follow a change.
+    HeaderFieldInfo info = column("X", "Decimal");
+    info.formatString = QStringLiteral("n1");
+    HeaderFieldInfo date = column("D", "DateTime");
+    Table table({ info, date });
+    table.setRows({ { 25000.25, qint64(1577923200000) } });
+    QCOMPARE(table.data(0, 0, Qt::DisplayRole), QVariant("25,000.3"));
+    QCOMPARE(table.data(0, 1, Qt::DisplayRole), QVariant("2020-01-02"));
+
+    HeaderFieldInfo& record = table.root.leaves().first()->info();
+    record.formatString = QStringLiteral("n3");
+    QCOMPARE(table.data(0, 0, Qt::DisplayRole), QVariant("25,000.250"));
+    record.columnType = QStringLiteral("BandedGridColumnWithUnit");
+    record.showUnitFactor = 10000;
+    record.prevUnitFactor = 1;
+    QCOMPARE(table.data(0, 0, Qt::DisplayRole), QVariant("2.500"));
+    table.root.leaves().at(1)->info().formatString = QStringLiteral("dd/MM/yyyy");
+    QCOMPARE(table.data(0, 1, Qt::DisplayRole), QVariant("02/01/2020"));
 }
 
 QTEST_MAIN(tst_TFSubjectTableModel)
