@@ -62,20 +62,21 @@ QByteArray RequestHandler::viewReply(const RequestBody &body) const
         return failure(QStringLiteral("unknown view: %1").arg(body.viewId));
 
     const int viewPageSize = view->properties.value(QLatin1String("pageSize")).toVariant().toInt();
-    int offset = 0;
+    qint64 firstRow = 0;
     int limit = 0;
     int pageIndex = 1;
     if (body.flag == 0) {
         pageIndex = body.hasPaging ? body.page : 1;
         limit = body.hasPaging ? body.size : (viewPageSize > 0 ? viewPageSize : 200);
-        offset = (pageIndex - 1) * limit;
+        firstRow = qint64(pageIndex - 1) * limit;
     } else if (body.flag == 1 && body.hasPaging) {
         pageIndex = body.page;
         limit = body.size;
-        offset = (pageIndex - 1) * limit;
+        firstRow = qint64(pageIndex - 1) * limit;
     }
-    if (qint64(offset) + limit > 2000000000)
+    if (firstRow + limit > 2000000000)
         return failure(QStringLiteral("page out of range"));
+    const int offset = int(firstRow);
 
     ViewQuery query(m_database, *view);
     QJsonArray rows;

@@ -568,6 +568,9 @@ void tst_SubjectService::badInput_data()
     QTest::newRow("view id as text of words") << "/bas/subject/data" << QByteArray(R"j({"obj_vw_id":"abc","flag":0})j") << "obj_vw_id";
     QTest::newRow("page zero") << "/bas/subject/data" << QByteArray(R"j({"obj_vw_id":260,"flag":1,"page":0,"size":10})j") << "page";
     QTest::newRow("size negative") << "/bas/subject/data" << QByteArray(R"j({"obj_vw_id":260,"flag":1,"page":1,"size":-5})j") << "size";
+    QTest::newRow("page far out of range") << "/bas/subject/data"
+                                           << QByteArray(R"j({"obj_vw_id":260,"flag":1,"page":1000000,"size":1000000})j")
+                                           << "out of range";
     QTest::newRow("filter not text") << "/bas/subject/data" << QByteArray(R"j({"obj_vw_id":260,"flag":1,"filter":5})j") << "filter";
     QTest::newRow("filterParams not object") << "/bas/subject/data"
                                              << QByteArray(R"j({"obj_vw_id":260,"flag":1,"filter":"","filterParams":[1]})j")
