@@ -11,13 +11,12 @@
 
 TFMenuCfg *TFMenuCfg::instance()
 {
-    static TFMenuCfg config;
+    static TFMenuCfg config(menuFilePath());
     return &config;
 }
 
-TFMenuCfg::TFMenuCfg()
+TFMenuCfg::TFMenuCfg(const QString &path)
 {
-    const QString path = menuFilePath();
     if (path.isEmpty())
         return;
     QFile file(path);

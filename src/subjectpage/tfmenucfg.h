@@ -21,6 +21,8 @@ public:
     };
 
     static TFMenuCfg *instance();
+    // Reads one file; instance() reads the one menuFilePath() names.
+    explicit TFMenuCfg(const QString &path);
 
     // The P_NODE_CODE of the first topic (by ascending code) listing the view, or -1.
     int topicOfView(const QString &objVwId) const;
@@ -33,7 +35,6 @@ public:
     static QString menuFilePath();
 
 private:
-    TFMenuCfg();
 
     QList<MenuItem> m_items;
     QMap<int, QStringList> m_viewsByTopic;

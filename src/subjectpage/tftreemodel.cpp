@@ -105,10 +105,12 @@ bool TFSubjectTreeModel::build(const QJsonValue &rows, int rootCode, bool checka
         }
     }
     // Rows whose parent never came are not reachable; free them (and what hangs under them).
+    QList<TFTreeItem *> orphans;
     for (TFTreeItem *node : qAsConst(work)) {
-        if (node != m_root && !node->parent() && !isAncestorOrSelf(node, m_root))
-            delete node;
+        if (node != m_root && !node->parent())
+            orphans.append(node);
     }
+    qDeleteAll(orphans);
     endResetModel();
     clearChecks();
     return true;

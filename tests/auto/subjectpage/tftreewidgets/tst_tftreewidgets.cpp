@@ -1,0 +1,349 @@
+#include "tfrowdelegate.h"
+#include "tfsearchwidget.h"
+#include "tfsubjecttreewidget.h"
+#include "tftreefilterproxymodel.h"
+#include "tftreemodel.h"
+#include "tftreewidgetcontainer.h"
+
+#include <QAction>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTreeView>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(QStandardItem *)
+
+namespace {
+
+// Topic 2: two groups at level 1, leaves below; one leaf is a web page.
+const char *kNavigation = "[\n"
+" {\"NODE_CODE\":10,\"P_NODE_CODE\":2,\"NODE_CAP\":\"行情中心\",\"LEVEL\":1},\n"
+" {\"NODE_CODE\":11,\"P_NODE_CODE\":10,\"NODE_CAP\":\"沪深A股行情\",\"LEVEL\":2,\"OBJ_VW_ID\":260},\n"
+" {\"NODE_CODE\":12,\"P_NODE_CODE\":10,\"NODE_CAP\":\"abb\",\"LEVEL\":2,\"OBJ_VW_ID\":269},\n"
+" {\"NODE_CODE\":20,\"P_NODE_CODE\":2,\"NODE_CAP\":\"财务\",\"LEVEL\":1},\n"
+" {\"NODE_CODE\":21,\"P_NODE_CODE\":20,\"NODE_CAP\":\"分析\",\"LEVEL\":2},\n"
+" {\"NODE_CODE\":22,\"P_NODE_CODE\":21,\"NODE_CAP\":\"利润\",\"LEVEL\":3,\"OBJ_VW_ID\":265},\n"
+" {\"NODE_CODE\":23,\"P_NODE_CODE\":20,\"NODE_CAP\":\"公告\",\"LEVEL\":2,\"NODE_URL\":\"http://127.0.0.1/notice\"},\n"
+" {\"NODE_CODE\":30,\"P_NODE_CODE\":2,\"NODE_CAP\":\"单页\",\"LEVEL\":1,\"OBJ_VW_ID\":300}\n"
+"]";
+
+const char *kBlocks = "[\n"
+" {\"SECT_ID\":1,\"P_SECT_ID\":0,\"SECT_NAME\":\"行业\"},\n"
+" {\"SECT_ID\":5,\"P_SECT_ID\":1,\"SECT_NAME\":\"银行\"},\n"
+" {\"SECT_ID\":6,\"P_SECT_ID\":1,\"SECT_NAME\":\"保险\"}\n"
+"]";
+
+QJsonValue rows(const char *json)
+{
+    return QJsonDocument::fromJson(json).array();
+}
+
+TFSubjectTreeModel *mainModel()
+{
+    auto *model = new TFSubjectTreeModel;
+    model->build(rows(kNavigation), 2, false);
+    return model;
+}
+
+QStringList visibleRows(const QAbstractItemModel *model, const QModelIndex &parent = QModelIndex())
+{
+    QStringList texts;
+    for (int row = 0; row < model->rowCount(parent); ++row) {
+        const QModelIndex index = model->index(row, 0, parent);
+        texts << index.data().toString();
+        texts << visibleRows(model, index);
+    }
+    return texts;
+}
+
+QModelIndex viewIndex(QTreeView *view, const QString &text)
+{
+    return view->model()->match(view->model()->index(0, 0), Qt::DisplayRole, text, 1,
+                                Qt::MatchExactly | Qt::MatchRecursive).value(0);
+}
+
+} // namespace
+
+class tst_TFTreeWidgets : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase() { qRegisterMetaType<QStandardItem *>(); }
+    void construction();
+    void proxyKeepsParentsOfHits_data();
+    void proxyKeepsParentsOfHits();
+    void searchOpensFirstLeaf();
+    void clickOpensOnce_data();
+    void clickOpensOnce();
+    void groupChangedOnlyUnderLevelOne_data();
+    void groupChangedOnlyUnderLevelOne();
+    void selectByName_data();
+    void selectByName();
+    void selectByCode();
+    void expandingATopGroupOpensItAll();
+    void blockTree();
+    void emptyBlockTreeNeverShown();
+    void leafMarker();
+};
+
+void tst_TFTreeWidgets::construction()
+{
+    TFTreeWidgetContainer container;
+    QCOMPARE(container.objectName(), QStringLiteral("TreeContainer"));
+    QCOMPARE(container.mainTree()->objectName(), QStringLiteral("SubjectTree"));
+    QCOMPARE(container.blockTree()->objectName(), QStringLiteral("BlockTree"));
+    QCOMPARE(container.mainTreeView()->objectName(), QStringLiteral("SubjectTreeView"));
+    QCOMPARE(container.blockTreeView()->objectName(), QStringLiteral("BlockTreeView"));
+    QVERIFY(container.blockTree()->isHidden());
+    QVERIFY(container.mainTreeView()->isHeaderHidden());
+    QCOMPARE(container.mainTree()->searchWidget()->objectName(), QStringLiteral("SearchWidget"));
+    QCOMPARE(container.mainTree()->searchWidget()->lineEdit()->objectName(), QStringLiteral("SearchLine"));
+    QCOMPARE(container.blockFilter().first, QStringLiteral("filterBlock"));
+    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray());
+}
+
+void tst_TFTreeWidgets::proxyKeepsParentsOfHits_data()
+{
+    QTest::addColumn<QString>("search");
+    QTest::addColumn<QStringList>("visible");
+
+    QTest::newRow("empty text keeps all")
+        << QString() << QStringList{"行情中心", "沪深A股行情", "abb", "财务", "分析", "利润", "公告", "单页"};
+    QTest::newRow("leaf keeps its folder") << "利润" << QStringList{"财务", "分析", "利润"};
+    QTest::newRow("last character may repeat") << "ab" << QStringList{"行情中心", "abb"};
+    QTest::newRow("case ignored") << "ABB" << QStringList{"行情中心", "abb"};
+    QTest::newRow("a folder's own match is not enough") << "财务" << QStringList();
+    QTest::newRow("pattern characters act") << "深.股" << QStringList{"行情中心", "沪深A股行情"};
+    QTest::newRow("a text that is no pattern filters all") << "(" << QStringList();
+}
+
+void tst_TFTreeWidgets::proxyKeepsParentsOfHits()
+{
+    QFETCH(QString, search);
+    QFETCH(QStringList, visible);
+
+    TFSubjectTreeWidget tree(false);
+    tree.setModel(mainModel());
+    tree.slotSearch(search);
+    QCOMPARE(visibleRows(tree.treeView()->model()), visible);
+}
+
+void tst_TFTreeWidgets::searchOpensFirstLeaf()
+{
+    TFSubjectTreeWidget tree(false);
+    tree.setModel(mainModel());
+    QSignalSpy clicked(&tree, &TFSubjectTreeWidget::signalItemClicked);
+
+    tree.searchWidget()->lineEdit()->setText(QStringLiteral("利"));
+    tree.searchWidget()->searchAction()->trigger();
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(clicked.at(0).at(0).value<QStandardItem *>()->text(), QStringLiteral("利润"));
+    QCOMPARE(tree.treeView()->currentIndex().data().toString(), QStringLiteral("利润"));
+
+    // An empty search clears the filter, collapses and opens the first leaf.
+    tree.slotSearch(QString());
+    QCOMPARE(clicked.count(), 2);
+    QCOMPARE(clicked.at(1).at(0).value<QStandardItem *>()->text(), QStringLiteral("沪深A股行情"));
+    QVERIFY(!tree.treeView()->isExpanded(viewIndex(tree.treeView(), QStringLiteral("财务"))));
+
+    // Nothing left: nothing opens.
+    tree.slotSearch(QStringLiteral("zzz"));
+    QCOMPARE(clicked.count(), 2);
+}
+
+void tst_TFTreeWidgets::clickOpensOnce_data()
+{
+    QTest::addColumn<QString>("node");
+    QTest::addColumn<int>("opened");
+    QTest::addColumn<qlonglong>("lastId");
+
+    QTest::newRow("a view opens once") << "沪深A股行情" << 1 << 260LL;
+    QTest::newRow("a web page opens every time") << "公告" << 2 << 0LL;
+    QTest::newRow("a folder without a view opens nothing") << "财务" << 0 << -1LL;
+}
+
+void tst_TFTreeWidgets::clickOpensOnce()
+{
+    QFETCH(QString, node);
+    QFETCH(int, opened);
+    QFETCH(qlonglong, lastId);
+
+    TFTreeWidgetContainer container;
+    container.loadMainTreeByCode(QStringLiteral("999"), rows(kNavigation), 2, QString());
+    QSignalSpy opens(&container, &TFTreeWidgetContainer::signalItemClicked);
+    QTreeView *view = container.mainTreeView();
+    const QModelIndex index = viewIndex(view, node);
+    QVERIFY(index.isValid());
+    // The load opened 沪深A股行情 already: begin from another view.
+    container.mainTree()->slotItemClicked(viewIndex(view, QStringLiteral("单页")));
+    opens.clear();
+    emit view->clicked(index);
+    emit view->clicked(index);
+    QCOMPARE(opens.count(), opened);
+    if (opened) {
+        QCOMPARE(opens.at(0).at(0).toLongLong(), lastId);
+        QCOMPARE(opens.at(0).at(1).toString(), node);
+    }
+    // A further view shows what the last identifier was.
+    opens.clear();
+    container.mainTree()->slotItemClicked(viewIndex(view, QStringLiteral("单页")));
+    QCOMPARE(opens.count(), lastId == -1 ? 0 : 1);
+}
+
+void tst_TFTreeWidgets::groupChangedOnlyUnderLevelOne_data()
+{
+    QTest::addColumn<QString>("node");
+    QTest::addColumn<QString>("group");
+
+    QTest::newRow("leaf under a level-1 group") << "abb" << "行情中心";
+    QTest::newRow("deeper leaf finds the level-1 ancestor") << "利润" << "财务";
+    QTest::newRow("leaf at level 1 itself") << "单页" << QString();
+    QTest::newRow("a folder") << "分析" << QString();
+}
+
+void tst_TFTreeWidgets::groupChangedOnlyUnderLevelOne()
+{
+    QFETCH(QString, node);
+    QFETCH(QString, group);
+
+    TFTreeWidgetContainer container;
+    container.loadMainTreeByCode(QStringLiteral("999"), rows(kNavigation), 2, QString());
+    QSignalSpy groups(&container, &TFTreeWidgetContainer::groupChanged);
+    container.mainTree()->slotItemClicked(viewIndex(container.mainTreeView(), node));
+    QCOMPARE(groups.count(), group.isNull() ? 0 : 1);
+    if (!group.isNull())
+        QCOMPARE(groups.at(0).at(0).toString(), group);
+}
+
+void tst_TFTreeWidgets::selectByName_data()
+{
+    QTest::addColumn<QString>("itemName");
+    QTest::addColumn<int>("viewId");
+    QTest::addColumn<QString>("sectorName");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("selected");
+
+    QTest::newRow("item with its view") << "abb" << 269 << "行情中心" << QString() << "abb";
+    QTest::newRow("item name with another view: the sector, then its first leaf")
+        << "abb" << 1 << "财务" << QString() << "利润";
+    QTest::newRow("the text names a child below the sector") << "x" << 0 << "财务" << "公告" << "公告";
+    QTest::newRow("nothing found: first leaf of the tree") << "x" << 0 << "y" << QString() << "沪深A股行情";
+}
+
+void tst_TFTreeWidgets::selectByName()
+{
+    QFETCH(QString, itemName);
+    QFETCH(int, viewId);
+    QFETCH(QString, sectorName);
+    QFETCH(QString, text);
+    QFETCH(QString, selected);
+
+    TFTreeWidgetContainer container;
+    QSignalSpy opens(container.mainTree(), &TFSubjectTreeWidget::signalItemClicked);
+    TFMenuCfg::MenuItem record;
+    record.itemName = itemName;
+    record.obj_vw_id = viewId;
+    record.sectorName = sectorName;
+    QVERIFY(container.loadMainTreeByName(record, rows(kNavigation), 2, text));
+    QCOMPARE(container.mainTreeView()->currentIndex().data().toString(), selected);
+    QCOMPARE(opens.count(), 1);
+}
+
+void tst_TFTreeWidgets::selectByCode()
+{
+    TFTreeWidgetContainer container;
+    QSignalSpy opens(&container, &TFTreeWidgetContainer::signalItemClicked);
+    QVERIFY(container.loadMainTreeByCode(QStringLiteral("22"), rows(kNavigation), 2, QString()));
+    QCOMPARE(container.mainTreeView()->currentIndex().data().toString(), QStringLiteral("利润"));
+    QCOMPARE(opens.count(), 1);
+    QCOMPARE(opens.at(0).at(0).toLongLong(), 265);
+
+    // Rows that give no tree: nothing opens, and the caller is told.
+    QSignalSpy none(&container, &TFTreeWidgetContainer::signalItemClicked);
+    QVERIFY(!container.loadMainTreeByCode(QStringLiteral("22"), rows("[]"), 2, QString()));
+    QCOMPARE(none.count(), 0);
+    QCOMPARE(container.mainTreeModel()->rowCount(), 0);
+}
+
+void tst_TFTreeWidgets::expandingATopGroupOpensItAll()
+{
+    TFSubjectTreeWidget tree(false);
+    tree.setModel(mainModel());
+    QTreeView *view = tree.treeView();
+    const QModelIndex finance = viewIndex(view, QStringLiteral("财务"));
+    view->expand(finance);
+    QVERIFY(view->isExpanded(viewIndex(view, QStringLiteral("分析"))));
+
+    // Deeper levels open one step at a time.
+    view->collapseAll();
+    tree.slotExpanded(viewIndex(view, QStringLiteral("分析")));
+    QVERIFY(!view->isExpanded(viewIndex(view, QStringLiteral("分析"))));
+    tree.slotDoubleClicked(finance);
+    QVERIFY(view->isExpanded(finance));
+    QVERIFY(view->isExpanded(viewIndex(view, QStringLiteral("分析"))));
+}
+
+void tst_TFTreeWidgets::blockTree()
+{
+    TFTreeWidgetContainer container;
+    container.loadBlockTree(rows(kBlocks));
+    QVERIFY(container.blockTree()->hasRows());
+    TFSubjectTreeModel *model = container.blockTreeModel();
+    // A null value keeps the rows.
+    container.loadBlockTree(QJsonValue());
+    QCOMPARE(container.blockTreeModel(), model);
+
+    // Found by caption without regard to case, or by code.
+    container.slotSetSector(QStringLiteral("5"));
+    QVERIFY(!container.blockTree()->isHidden());
+    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray({5}));
+    QVERIFY(!container.blockTreeView()->currentIndex().isValid());
+
+    container.slotSetSector(QStringLiteral("行业"));
+    QVariantList codes = container.blockTree()->checkedCodes();
+    std::sort(codes.begin(), codes.end(), [](const QVariant &a, const QVariant &b) { return a.toInt() < b.toInt(); });
+    QCOMPARE(codes, QVariantList({1, 5, 6}));
+
+    container.setRootSector(QStringLiteral("1"));
+    QCOMPARE(container.blockTreeView()->rootIndex().data().toString(), QStringLiteral("行业"));
+
+    // Opening a view hides the block tree and drops its checks.
+    container.loadMainTreeByCode(QStringLiteral("11"), rows(kNavigation), 2, QString());
+    QVERIFY(container.blockTree()->isHidden());
+    QVERIFY(container.blockTree()->checkedCodes().isEmpty());
+
+    // An empty array replaces the rows with none.
+    container.loadBlockTree(rows("[]"));
+    QVERIFY(!container.blockTree()->hasRows());
+}
+
+void tst_TFTreeWidgets::emptyBlockTreeNeverShown()
+{
+    TFTreeWidgetContainer container;
+    container.loadBlockTree(QJsonValue());
+    QVERIFY(container.blockTreeModel());
+    QVERIFY(!container.blockTree()->hasRows());
+    container.setRootSector(QStringLiteral("行业"));
+    container.slotSetSector(QStringLiteral("5"));
+    QVERIFY(container.blockTree()->isHidden());
+}
+
+void tst_TFTreeWidgets::leafMarker()
+{
+    TFSubjectTreeModel *model = mainModel();
+    TFRowDelegate mainDelegate(false);
+    TFRowDelegate blockDelegate(true);
+    const QModelIndex folder = model->index(0, 0);
+    const QModelIndex leaf = model->index(0, 0, folder);
+    QCOMPARE(mainDelegate.markerFile(leaf, QStyle::State_None), QStringLiteral("subject/tree_item_normal_2.png"));
+    QCOMPARE(mainDelegate.markerFile(leaf, QStyle::State_Selected), QStringLiteral("subject/tree_item_normal.png"));
+    QCOMPARE(mainDelegate.markerFile(leaf, QStyle::State_MouseOver), QStringLiteral("subject/tree_item_normal.png"));
+    QVERIFY(mainDelegate.markerFile(folder, QStyle::State_None).isNull());
+    QVERIFY(blockDelegate.markerFile(leaf, QStyle::State_None).isNull());
+    delete model;
+}
+
+QTEST_MAIN(tst_TFTreeWidgets)
+#include "tst_tftreewidgets.moc"
