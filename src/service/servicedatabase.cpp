@@ -247,12 +247,68 @@ bool ServiceDatabase::select(const QString &sql, const QVariantList &bindings, Q
     return ok;
 }
 
-bool ServiceDatabase::selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
-                                  QString *error) const
+namespace {
+
+QString cacheKey(const QString &sql, const QVariantList &bindings)
 {
     QString key = sql;
     for (const QVariant &binding : bindings)
         key += QChar(0x1f) + QString::number(binding.userType()) + QChar(0x1e) + binding.toString();
+    return key;
+}
+
+} // namespace
+
+ServiceDatabase::RowIds ServiceDatabase::selectRowIds(const QString &sql, const QVariantList &bindings,
+                                                      QString *error) const
+{
+    const QString key = cacheKey(sql, bindings);
+    {
+        std::lock_guard<std::mutex> lock(m_countMutex);
+        const auto it = m_rowIds.constFind(key);
+        if (it != m_rowIds.constEnd())
+            return it.value();
+    }
+    sqlite3 *db = acquire(error);
+    if (!db)
+        return nullptr;
+    auto ids = std::make_shared<QVector<qint64>>();
+    bool ok = true;
+    {
+        Statement s;
+        const QByteArray utf8 = sql.toUtf8();
+        if (sqlite3_prepare_v2(db, utf8.constData(), utf8.size(), &s.stmt, nullptr) != SQLITE_OK
+            || !bindAll(s.stmt, bindings)) {
+            ok = false;
+        } else {
+            int rc;
+            while ((rc = sqlite3_step(s.stmt)) == SQLITE_ROW)
+                ids->append(sqlite3_column_int64(s.stmt, 0));
+            ok = rc == SQLITE_DONE;
+        }
+        if (!ok) {
+            *error = QStringLiteral("query failed: %1").arg(QString::fromUtf8(sqlite3_errmsg(db)));
+            qWarning() << "query failed:" << sql << sqlite3_errmsg(db);
+        }
+    }
+    release(db);
+    if (!ok)
+        return nullptr;
+    std::lock_guard<std::mutex> lock(m_countMutex);
+    // About 128 MB of rowids at most; past that, start again.
+    if (m_rowIdTotal + ids->size() > 16 * 1024 * 1024) {
+        m_rowIds.clear();
+        m_rowIdTotal = 0;
+    }
+    m_rowIds.insert(key, ids);
+    m_rowIdTotal += ids->size();
+    return ids;
+}
+
+bool ServiceDatabase::selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
+                                  QString *error) const
+{
+    const QString key = cacheKey(sql, bindings);
     {
         std::lock_guard<std::mutex> lock(m_countMutex);
         const auto it = m_counts.constFind(key);

@@ -7,7 +7,9 @@
 #include <QMap>
 #include <QString>
 #include <QVariantList>
+#include <QVector>
 
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -42,6 +44,11 @@ public:
     // is kept and answered again for the next page of the same filter.
     bool selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
                      QString *error) const;
+    // The rowids that a "SELECT rowid ... ORDER BY ..." gives, kept like the
+    // counts: every page of one filter and order is then a lookup by rowid,
+    // however deep the page.
+    using RowIds = std::shared_ptr<const QVector<qint64>>;
+    RowIds selectRowIds(const QString &sql, const QVariantList &bindings, QString *error) const;
 
 private:
     sqlite3 *acquire(QString *error) const;
@@ -53,6 +60,8 @@ private:
     QMap<QString, QString> m_tableNames;
     mutable std::mutex m_countMutex;
     mutable QHash<QString, qint64> m_counts;
+    mutable QHash<QString, RowIds> m_rowIds;
+    mutable qint64 m_rowIdTotal = 0;
     mutable std::mutex m_poolMutex;
     mutable std::vector<sqlite3 *> m_pool;
 };

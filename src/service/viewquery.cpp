@@ -133,15 +133,39 @@ bool ViewQuery::fetch(const RequestBody &body, int offset, int limit, QJsonArray
     for (const QString &field : m_view.sourceFields())
         selected << QStringLiteral("\"%1\"").arg(columns.value(field.toUpper()).name);
 
+    // The ordered rowids of the whole result are fetched once per filter and
+    // order; a page is then its slice of them, looked up by rowid.
     const QString from = QStringLiteral(" FROM \"%1\"").arg(table);
-    if (!m_database.selectCount(QStringLiteral("SELECT COUNT(*)") + from + where.sql, where.bindings, total, error))
+    const ServiceDatabase::RowIds ids =
+        m_database.selectRowIds(QStringLiteral("SELECT rowid") + from + where.sql + order, where.bindings, error);
+    if (!ids)
         return false;
+    *total = ids->size();
     const int pageLimit = limit <= 0 ? maximumRows : qMin(limit, maximumRows);
-    QVariantList bindings = where.bindings;
-    bindings << qint64(pageLimit) << qint64(offset);
-    return m_database.select(QStringLiteral("SELECT ") + selected.join(QLatin1Char(',')) + from + where.sql + order
-                                 + QStringLiteral(" LIMIT ? OFFSET ?"),
-                             bindings, rows, error);
+    const int first = qMin(offset, ids->size());
+    const int last = int(qMin(qint64(first) + pageLimit, qint64(ids->size())));
+    if (first >= last)
+        return true;
+    QVariantList bindings;
+    QStringList marks;
+    for (int i = first; i < last; ++i) {
+        bindings << ids->at(i);
+        marks << QStringLiteral("?");
+    }
+    QJsonArray unordered;
+    if (!m_database.select(QStringLiteral("SELECT rowid AS \"__rowid\",") + selected.join(QLatin1Char(',')) + from
+                               + QStringLiteral(" WHERE rowid IN (") + marks.join(QLatin1Char(',')) + QLatin1Char(')'),
+                           bindings, &unordered, error))
+        return false;
+    QHash<qint64, QJsonObject> byId;
+    for (const QJsonValue &value : qAsConst(unordered)) {
+        QJsonObject row = value.toObject();
+        const qint64 id = qint64(row.take(QLatin1String("__rowid")).toDouble());
+        byId.insert(id, row);
+    }
+    for (int i = first; i < last; ++i)
+        rows->append(byId.value(ids->at(i)));
+    return true;
 }
 
 bool ViewQuery::fetchCross(const RequestBody &body, int offset, int limit, QJsonArray *rows, qint64 *total,
