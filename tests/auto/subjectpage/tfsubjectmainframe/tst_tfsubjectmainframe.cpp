@@ -5,6 +5,8 @@
 #include "tfsubjectmainframe.h"
 #include "tfsubjectpage.h"
 #include "tftreewidgetcontainer.h"
+#include "tfsubjecttreewidget.h"
+#include "tftreemodel.h"
 
 #include "tfcore/tfappconfig.h"
 #include "tfcore/tfserviceconfig.h"
@@ -299,7 +301,7 @@ void tst_TFSubjectMainFrame::nodeWithAddressShowsTheWebPage()
     // A node with a view goes back to the data page; the web page stays in the stack.
     TFTreeWidgetContainer *tree = frame->leftContainer();
     const QModelIndex view260 = tree->mainTreeModel()->match(tree->mainTreeModel()->index(0, 0),
-                                                             TFTreeWidgetContainer::ViewIdRole, 260, 1,
+                                                             TFTreeItem::ViewIdRole, 260, 1,
                                                              Qt::MatchRecursive).value(0);
     QVERIFY(view260.isValid());
     tree->slotMainTreeItemClicked(tree->mainTreeModel()->itemFromIndex(view260));
@@ -338,13 +340,13 @@ void tst_TFSubjectMainFrame::blockTreeAndItsFilter()
     QTRY_COMPARE(requestsFor(*server, 390).size(), 1);
     // The navigation's null block value keeps the tree that the block reply built.
     QCOMPARE(frame->leftContainer()->blockTreeModel()->rowCount(), 1);
-    QVERIFY(frame->leftContainer()->blockTreeView()->isHidden());
+    QVERIFY(frame->leftContainer()->blockTree()->isHidden());
 
     QCOMPARE(frame->blockFilter().first, QStringLiteral("filterBlock"));
     QCOMPARE(frame->blockFilter().second.toJsonArray(), QJsonArray());
     // A view asking for its sector shows and checks it, children included.
     emit frame->rightContainer()->sigSectorNumChanged(QStringLiteral("5"), QString());
-    QVERIFY(!frame->leftContainer()->blockTreeView()->isHidden());
+    QVERIFY(!frame->leftContainer()->blockTree()->isHidden());
     QJsonArray checked = frame->blockFilter().second.toJsonArray();
     QCOMPARE(checked.size(), 3);
     QVERIFY(checked.contains(5) && checked.contains(6) && checked.contains(7));
