@@ -264,7 +264,7 @@ ServiceDatabase::RowIds ServiceDatabase::selectRowIds(const QString &sql, const 
 {
     const QString key = cacheKey(sql, bindings);
     {
-        std::lock_guard<std::mutex> lock(m_countMutex);
+        std::lock_guard<std::mutex> lock(m_cacheMutex);
         const auto it = m_rowIds.constFind(key);
         if (it != m_rowIds.constEnd())
             return it.value();
@@ -294,7 +294,7 @@ ServiceDatabase::RowIds ServiceDatabase::selectRowIds(const QString &sql, const 
     release(db);
     if (!ok)
         return nullptr;
-    std::lock_guard<std::mutex> lock(m_countMutex);
+    std::lock_guard<std::mutex> lock(m_cacheMutex);
     // About 128 MB of rowids at most; past that, start again.
     if (m_rowIdTotal + ids->size() > 16 * 1024 * 1024) {
         m_rowIds.clear();
@@ -303,29 +303,6 @@ ServiceDatabase::RowIds ServiceDatabase::selectRowIds(const QString &sql, const 
     m_rowIds.insert(key, ids);
     m_rowIdTotal += ids->size();
     return ids;
-}
-
-bool ServiceDatabase::selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
-                                  QString *error) const
-{
-    const QString key = cacheKey(sql, bindings);
-    {
-        std::lock_guard<std::mutex> lock(m_countMutex);
-        const auto it = m_counts.constFind(key);
-        if (it != m_counts.constEnd()) {
-            *count = it.value();
-            return true;
-        }
-    }
-    QJsonArray rows;
-    if (!select(sql, bindings, &rows, error))
-        return false;
-    *count = rows.isEmpty() ? 0 : qint64(rows.at(0).toObject().begin().value().toDouble());
-    std::lock_guard<std::mutex> lock(m_countMutex);
-    if (m_counts.size() >= 4096)
-        m_counts.clear();
-    m_counts.insert(key, *count);
-    return true;
 }
 
 } // namespace SubjectService

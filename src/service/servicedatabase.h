@@ -40,13 +40,9 @@ public:
     // dates as milliseconds since the epoch, year-months as numbers.
     bool select(const QString &sql, const QVariantList &bindings, QJsonArray *rows,
                 QString *error) const;
-    // The database is never written after it is made, so the count of a query
-    // is kept and answered again for the next page of the same filter.
-    bool selectCount(const QString &sql, const QVariantList &bindings, qint64 *count,
-                     QString *error) const;
-    // The rowids that a "SELECT rowid ... ORDER BY ..." gives, kept like the
-    // counts: every page of one filter and order is then a lookup by rowid,
-    // however deep the page.
+    // The rowids that a "SELECT rowid ... ORDER BY ..." gives. The database is
+    // never written after it is made, so they are kept: every page of one
+    // filter and order is then a lookup by rowid, however deep the page.
     using RowIds = std::shared_ptr<const QVector<qint64>>;
     RowIds selectRowIds(const QString &sql, const QVariantList &bindings, QString *error) const;
 
@@ -58,8 +54,7 @@ private:
     QString m_path;
     QMap<QString, ColumnSet> m_columns;   // by upper-cased table name
     QMap<QString, QString> m_tableNames;
-    mutable std::mutex m_countMutex;
-    mutable QHash<QString, qint64> m_counts;
+    mutable std::mutex m_cacheMutex;
     mutable QHash<QString, RowIds> m_rowIds;
     mutable qint64 m_rowIdTotal = 0;
     mutable std::mutex m_poolMutex;
