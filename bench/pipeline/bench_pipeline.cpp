@@ -15,6 +15,7 @@
 
 #include "jsonparser/tfdatajsontable.h"
 #include "jsonparser/tfheaderbuilder.h"
+#include "jsonparser/tfjsonparser.h"
 #include "jsonparser/tfobjectviewconfigtable.h"
 #include "jsonparser/tfrowbuilder.h"
 #include "jsonparser/tfsummaryjsontable.h"
@@ -184,9 +185,9 @@ QByteArray makeDocument(int rows, bool withColors)
     return out;
 }
 
-// What the parser runs for a configuration document: its tables, the band
-// header, the cell rows.
-struct Parser
+// The steps that TFJsonParser::parseConfig runs, one by one, so that the
+// memory of each can be read: its tables, the band header, the cell rows.
+struct StepwiseParser
 {
     void parseConfig(const QJsonObject& document, TFTreeStruct* root)
     {
@@ -249,9 +250,9 @@ int main(int argc, char** argv)
     const QByteArray bytes = makeDocument(rows, false);
     std::printf("reply: %.1f MB\n", bytes.size() / 1e6);
 
+    using Parser = TFSubject::TFJsonParser;
     auto pipeline = [&](TFTreeStruct& root, Parser& parser, TFSubjectTableModel& model) {
         const QJsonDocument document = QJsonDocument::fromJson(bytes);
-        parser.phaseKb[0] = statusKb("VmRSS:");
         parser.parseConfig(document.object(), &root);
         model.setHeader(&root);
         model.setRows(parser.rows());
@@ -293,10 +294,6 @@ int main(int argc, char** argv)
         TFSubjectTableModel model;
         pipeline(root, parser, model);
         const qint64 peak = statusKb("VmHWM:");
-        std::printf("[1]   JSON document %.0f, raw rows %.0f, cells %.0f bytes per cell\n",
-                    (parser.phaseKb[0] - before) * 1024.0 / cells,
-                    (parser.phaseKb[1] - parser.phaseKb[0]) * 1024.0 / cells,
-                    (parser.phaseKb[2] - parser.phaseKb[1]) * 1024.0 / cells);
         const qint64 after = statusKb("VmRSS:");
         std::printf("[1] peak memory           %9.1f MB   %.0f bytes per cell (goal <= 300)\n",
                     (peak - before) / 1024.0, (peak - before) * 1024.0 / cells);
@@ -305,11 +302,25 @@ int main(int argc, char** argv)
         std::printf("[1] reply bytes           %9.1f MB   %.0f bytes per cell\n", bytes.size() / 1048576.0,
                     double(bytes.size()) / cells);
     }
+    {
+        // Where the memory goes, step by step.
+        malloc_trim(0);
+        const qint64 before = statusKb("VmRSS:");
+        TFTreeStruct root{ QString() };
+        StepwiseParser parser;
+        const QJsonDocument document = QJsonDocument::fromJson(bytes);
+        parser.phaseKb[0] = statusKb("VmRSS:");
+        parser.parseConfig(document.object(), &root);
+        std::printf("[1]   JSON document %.0f, raw rows %.0f, cells %.0f bytes per cell\n",
+                    (parser.phaseKb[0] - before) * 1024.0 / cells,
+                    (parser.phaseKb[1] - parser.phaseKb[0]) * 1024.0 / cells,
+                    (parser.phaseKb[2] - parser.phaseKb[1]) * 1024.0 / cells);
+    }
 
     // --- 2. display text of every cell ---------------------------------------
     {
         TFTreeStruct root{ QString() };
-        Parser parser;
+        TFSubject::TFJsonParser parser;
         TFSubjectTableModel model;
         pipeline(root, parser, model);
 
@@ -364,7 +375,7 @@ int main(int argc, char** argv)
         const int screenColumns = 25;
         const QByteArray small = makeDocument(1000, true);
         TFTreeStruct root{ QString() };
-        Parser parser;
+        TFSubject::TFJsonParser parser;
         parser.parseConfig(QJsonDocument::fromJson(small).object(), &root);
         TFSubjectTableModel model;
         model.setHeader(&root);

@@ -16,6 +16,7 @@
 #include "jsonparser/tfobjectviewjsontable.h"
 #include "jsonparser/tfsummaryjsontable.h"
 #include "jsonparser/tfviewconfigtable.h"
+#include "mulittable/tfheaderdatastruct.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -112,10 +113,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data), int(size));
     const QJsonDocument document = QJsonDocument::fromJson(bytes);
 
-    // parseConfig only keeps the band tree it is given; any non-null
-    // address stands in for it here.
-    static char bandTreePlaceholder;
-    auto* header = reinterpret_cast<TFTreeStruct*>(&bandTreePlaceholder);
+    // parseConfig builds the band header and the rows into this tree.
+    static TFTreeStruct bandTree { QString() };
+    auto* header = &bandTree;
 
     TFSubject::TFJsonParser parser;
     QJsonValue whole;

@@ -9,18 +9,23 @@
 #include "tfsummaryjsontable.h"
 #include "tfviewconfigtable.h"
 
+#include "mulittable/tfheaderdatastruct.h"
+
 #include <QJsonObject>
 
 namespace TFSubject {
 
 TFJsonParser::TFJsonParser(QObject* parent)
     : QObject(parent)
+    , m_internalTree(new TFTreeStruct(QString()))
 {
+    TFTableModelData::registerRowDataType();
 }
 
 TFJsonParser::~TFJsonParser()
 {
     deleteTables();
+    delete m_internalTree;
 }
 
 void TFJsonParser::deleteTables()
@@ -36,6 +41,7 @@ bool TFJsonParser::parseConfig(const QJsonValue& document, TFTreeStruct* header)
 
     m_header = header;
     deleteTables();
+    m_rows.clear();
 
     if (document.isObject()) {
         // Only these members are read, in this order; the rest of the
@@ -64,6 +70,8 @@ bool TFJsonParser::parseConfig(const QJsonValue& document, TFTreeStruct* header)
             m_tables.insert(id, table);
         }
     }
+    buildHeader();
+    buildRows();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tffilterjsontable.h"
+#include "tftablemodeldata.h"
 
 #include <QJsonValue>
 #include <QList>
@@ -11,6 +12,7 @@
 #include <QVariant>
 #include <QVariantMap>
 
+class ExpressionParse;
 class TFBaseJsonTable;
 class TFObjectViewConfigTable;
 class TFSummaryJsonTable;
@@ -32,6 +34,16 @@ public:
     // undefined document or without a header tree; a document that is no
     // object, or has no known member, still counts as read.
     bool parseConfig(const QJsonValue& document, TFTreeStruct* header);
+
+    // A later page: its rows, and its summary where it has one. The header
+    // tree stays that of the configuration.
+    bool parseData(const QJsonValue& payload);
+    // The export's own reply, envelope included, as plain values under the
+    // leaves of header; the parser's tables are not touched.
+    bool parseData(const QByteArray& json, QList<QList<QVariant>>* out, TFTreeStruct* header);
+
+    // The cell rows of the current page.
+    QList<RowData> rows() const { return m_rows; }
 
     // The band tree handed to the last parseConfig; owned by the caller.
     TFTreeStruct* header() const { return m_header; }
@@ -68,9 +80,16 @@ signals:
 
 private:
     void deleteTables();
+    void buildHeader();
+    void buildRows();
+    ExpressionParse* expressionParse();
 
     TFTreeStruct* m_header = nullptr;
+    TFTreeStruct* m_internalTree = nullptr;
     QMap<int, TFBaseJsonTable*> m_tables;
+    QList<RowData> m_rows;
+    QString m_text;
+    ExpressionParse* m_expressionParse = nullptr;     // made on first use
 };
 
 } // namespace TFSubject

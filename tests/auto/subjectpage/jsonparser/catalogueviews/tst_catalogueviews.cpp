@@ -6,6 +6,7 @@
 #include "jsonparser/tfobjectviewconfigtable.h"
 #include "jsonparser/tfsummaryjsontable.h"
 #include "jsonparser/tfviewconfigtable.h"
+#include "mulittable/tfheaderdatastruct.h"
 
 #include "subjectservice.h"
 
@@ -51,9 +52,9 @@ private:
 
 static TFTreeStruct* bandTree()
 {
-    // parseConfig only keeps the band tree it is given.
-    static char placeholder;
-    return reinterpret_cast<TFTreeStruct*>(&placeholder);
+    // parseConfig builds the band header into the tree it is given.
+    static TFTreeStruct tree { QString() };
+    return &tree;
 }
 
 void tst_CatalogueViews::initTestCase()
@@ -206,8 +207,13 @@ void tst_CatalogueViews::view()
     TFJsonParser parser;
     QSignalSpy announced(&parser, &TFJsonParser::signalSubTableJsonData);
     QVERIFY(parser.parseConfig(document, bandTree()));
-    // Every JSON text inside the document parses.
-    QCOMPARE(log.messages(QtDebugMsg), QStringList());
+    // Every JSON text inside the document parses; the header's line for a
+    // band that hands its unit factors down is no parse error.
+    QStringList debug = log.messages(QtDebugMsg);
+    debug.erase(std::remove_if(debug.begin(), debug.end(),
+                               [](const QString& line) { return line.startsWith("unit test:"); }),
+                debug.end());
+    QCOMPARE(debug, QStringList());
 
     // Name and view.
     QCOMPARE(parser.objectViewName(), file.value("name").toString());
