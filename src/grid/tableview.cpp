@@ -196,7 +196,9 @@ void TableViewPrivate::applyOptions()
     const bool transparent = options->transparentBackground();
     for (QTableView *view : {static_cast<QTableView *>(q), static_cast<QTableView *>(frozen)}) {
         view->setAlternatingRowColors(options->alternatingRowColors());
-        view->viewport()->setAutoFillBackground(!transparent);
+        // The frozen overlay stands over the table's own first columns: it
+        // always paints its background, or both texts would show at once.
+        view->viewport()->setAutoFillBackground(!transparent || view == frozen);
         switch (options->selectionPolicy()) {
         case SelectionPolicy::NoSelection:
             view->setSelectionMode(QAbstractItemView::NoSelection);
