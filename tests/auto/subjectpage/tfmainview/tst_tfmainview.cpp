@@ -1,0 +1,148 @@
+#include "tfbaseview.h"
+#include "tfmainview.h"
+#include "tfsubjecttablewidget.h"
+
+#include "echarts/tfmulticharts.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+QJsonObject configOfType(const QString &type, const QString &name = QStringLiteral("view"))
+{
+    QJsonObject config;
+    if (!type.isNull()) {
+        config.insert(QStringLiteral("View_Config"),
+                      QJsonArray{QJsonObject{{"prop_name", "ObjViewType"}, {"prop_val", type}}});
+    }
+    config.insert(QStringLiteral("Object_View"), QJsonArray{QJsonObject{{"obj_vw_name", name}}});
+    return config;
+}
+
+} // namespace
+
+class tst_TFMainView : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase() { TFTableModelData::registerRowDataType(); }
+    void viewKind_data();
+    void viewKind();
+    void emptyStack();
+    void tableThenChartThenTable();
+    void factory_data();
+    void factory();
+};
+
+void tst_TFMainView::viewKind_data()
+{
+    QTest::addColumn<QJsonValue>("config");
+    QTest::addColumn<int>("kind");
+
+    QTest::newRow("no View_Config") << QJsonValue(QJsonObject()) << 0;
+    QTest::newRow("not an object") << QJsonValue(QStringLiteral("x")) << 0;
+    QTest::newRow("chart") << QJsonValue(configOfType(QStringLiteral("ViewDataChart"))) << 1;
+    QTest::newRow("the comparison has case") << QJsonValue(configOfType(QStringLiteral("viewdatachart"))) << 0;
+    QTest::newRow("grid") << QJsonValue(configOfType(QStringLiteral("ViewDataGrid"))) << 0;
+}
+
+void tst_TFMainView::viewKind()
+{
+    QFETCH(QJsonValue, config);
+    QFETCH(int, kind);
+    QCOMPARE(TFMainView::viewKind(config), kind);
+}
+
+void tst_TFMainView::emptyStack()
+{
+    TFMainView stack;
+    QCOMPARE(stack.count(), 0);
+    QVERIFY(!stack.currentView());
+    QCOMPARE(stack.currentViewId(), -1);
+    QVERIFY(stack.filters().isEmpty());
+    QVERIFY(stack.params().isEmpty());
+    QVERIFY(stack.getCntrls().isEmpty());
+    QVERIFY(stack.childLinkText(261).isEmpty());
+    QVERIFY(stack.firstRow().isEmpty());
+    QVERIFY(stack.allRows().isEmpty());
+    stack.setViewId(5);
+    stack.startLoading();
+    stack.finished();
+    stack.load(qMakePair(QString(), QVariant()));
+    QCOMPARE(stack.count(), 0);
+}
+
+void tst_TFMainView::tableThenChartThenTable()
+{
+    TFMainView stack;
+    stack.setViewId(11);
+    stack.parseConfig(configOfType(QString()), true);
+    QCOMPARE(stack.count(), 1);
+    auto *table = qobject_cast<TFSubjectTableWidget *>(stack.currentView());
+    QVERIFY(table);
+    QCOMPARE(stack.currentViewId(), 11);
+    QVERIFY(!table->signalsBlocked());
+    // The table's signals come out of the stack.
+    QSignalSpy children(&stack, &TFMainView::updateChildren);
+    emit table->updateChildren();
+    QCOMPARE(children.count(), 1);
+    QSignalSpy notices(&stack, &TFMainView::signalGetSubViewCfg);
+    emit table->signalGetSubViewCfg(12, QStringLiteral("c"), 11);
+    QCOMPARE(notices.count(), 1);
+    QCOMPARE(notices.at(0).at(0).toLongLong(), 12);
+    QSignalSpy sector(&stack, qOverload<QString>(&TFMainView::sigSectorNumChanged));
+    emit table->sigSectorNumChanged(QStringLiteral("5"));
+    QCOMPARE(sector.count(), 0); // the one-argument signal is not passed on
+
+    stack.setViewId(21);
+    stack.parseConfig(configOfType(QStringLiteral("ViewDataChart"), QStringLiteral("走势")), true);
+    QCOMPARE(stack.count(), 2);
+    auto *chart = qobject_cast<TFMultiCharts *>(stack.currentView());
+    QVERIFY(chart);
+    QCOMPARE(stack.currentViewId(), 21);
+    QCOMPARE(chart->text(), QStringLiteral("chart: 走势"));
+    // Forwarding that needs a table gives nothing with a chart on top.
+    QVERIFY(stack.firstRow().isEmpty());
+    QVERIFY(stack.childLinkText(1).isEmpty());
+
+    stack.setViewId(31);
+    stack.parseConfig(configOfType(QStringLiteral("ViewDataGrid")), true);
+    QCOMPARE(stack.count(), 2);
+    QCOMPARE(stack.currentView(), static_cast<TFBaseView *>(table));
+    QCOMPARE(stack.currentViewId(), 31);
+    QCOMPARE(stack.kinds(), (QList<int>{0, 1}));
+}
+
+void tst_TFMainView::factory_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<bool>("made");
+    QTest::addColumn<int>("viewType");
+    QTest::newRow("table") << 0 << true << 0;
+    QTest::newRow("chart") << 1 << true << 1;
+    QTest::newRow("unknown") << 2 << false << -1;
+}
+
+void tst_TFMainView::factory()
+{
+    QFETCH(int, kind);
+    QFETCH(bool, made);
+    QFETCH(int, viewType);
+
+    QWidget parent;
+    TFBaseView *view = createView(kind, 42, configOfType(QString(), QStringLiteral("名")), &parent, false);
+    QCOMPARE(view != nullptr, made);
+    if (!view)
+        return;
+    QCOMPARE(view->parentWidget(), &parent);
+    QCOMPARE(view->viewId(), 42);
+    QCOMPARE(view->viewType(), viewType);
+    // A child table is silenced for good.
+    QCOMPARE(view->signalsBlocked(), kind == 0);
+}
+
+QTEST_MAIN(tst_TFMainView)
+#include "tst_tfmainview.moc"
