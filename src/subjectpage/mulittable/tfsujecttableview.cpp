@@ -239,7 +239,11 @@ void TFSujectTableView::onCellButtonClicked(int row, int column)
         return;
     const QString text = clicked->value(row, Qt::DisplayRole).toString();
     const QString name = first ? first->value(row, Qt::DisplayRole).toString().left(6) : QString();
-    QMessageBox box(QMessageBox::NoIcon, name + QLatin1Char('-') + clicked->caption(), text,
+    // A column shows the model's caption until one is set on it.
+    QString caption = clicked->caption();
+    if (caption.isEmpty() && m_model)
+        caption = m_model->headerData(column, Qt::Horizontal).toString();
+    QMessageBox box(QMessageBox::NoIcon, name + QLatin1Char('-') + caption, text,
                     QMessageBox::Ok, this);
     box.exec();
 }

@@ -4,7 +4,10 @@
 
 #include "bandgrid.h"
 
+#include <QApplication>
 #include <QFontMetrics>
+#include <QMessageBox>
+#include <QTimer>
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -139,6 +142,9 @@ private slots:
     void nullLinkArgs();
     void focusRowEmitsClicked();
     void headerCaptionsFollowTree();
+    void memoButtonShowsTheCell();
+    void verticalGridHeader_data();
+    void verticalGridHeader();
     void wheelFilter();
 };
 
@@ -454,6 +460,62 @@ void tst_TFSujectTableView::headerCaptionsFollowTree()
     f.model.setHeader(f.header.get());
     QCOMPARE(f.view.view()->column(1)->caption(), QStringLiteral("B(万元)"));
     QCOMPARE(f.view.view()->column(0)->caption(), QStringLiteral("A"));
+}
+
+void tst_TFSujectTableView::memoButtonShowsTheCell()
+{
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("LONGNAME")));
+    root->addChild(node(field("MEMO", "0", "MemoExEdit")));
+    Fixture f(root);
+    BandGrid::Column *memo = f.view.view()->column(1);
+    QCOMPARE(memo->buttonCount(), 1);
+
+    QString title;
+    QString text;
+    QTimer::singleShot(0, this, [&] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            title = box->windowTitle();
+            text = box->text();
+            box->close();
+        }
+    });
+    emit memo->buttonClicked(2, 1, 0);
+    // The title takes the first six characters of the row's first cell.
+    QCOMPARE(title, QStringLiteral("LONGNA-MEMO"));
+    QCOMPARE(text, QStringLiteral("MEMO2"));
+}
+
+void tst_TFSujectTableView::verticalGridHeader_data()
+{
+    QTest::addColumn<bool>("banded");
+    QTest::addColumn<QString>("fieldName");
+    QTest::addColumn<int>("fixedColumn");   // -1: none
+    QTest::addColumn<bool>("changed");
+
+    QTest::newRow("empty name: nothing") << true << "" << -1 << false;
+    QTest::newRow("banded: set up again, the field's column frozen") << true << "B" << 1 << true;
+    QTest::newRow("plain: the field's column frozen") << false << "C" << 2 << true;
+    QTest::newRow("unknown field: only the row look changes") << false << "NOPE" << -1 << true;
+}
+
+void tst_TFSujectTableView::verticalGridHeader()
+{
+    QFETCH(bool, banded);
+    QFETCH(QString, fieldName);
+    QFETCH(int, fixedColumn);
+    QFETCH(bool, changed);
+
+    Fixture f(banded ? bandedTree() : flatTree());
+    const BandGrid::TableView *before = f.view.view();
+    f.view.setVGridHeader(fieldName);
+    BandGrid::TableView *view = f.view.view();
+    QCOMPARE(view != before, banded && changed);
+    for (int c = 0; c < view->columnCount(); ++c)
+        QCOMPARE(view->column(c)->fixedKind() == BandGrid::FixedKind::Left, c == fixedColumn);
+    QCOMPARE(view->options()->alternatingRowColors(), !changed);
+    QCOMPARE(view->options()->selectionPolicy() == BandGrid::SelectionPolicy(2), true);
+    QCOMPARE(view->options()->gridLines() == BandGrid::GridLines(BandGrid::HorizontalLines), fixedColumn >= 0);
 }
 
 void tst_TFSujectTableView::wheelFilter()
