@@ -182,7 +182,7 @@ void tst_Page::nodeWithAWebPage()
     QVERIFY(url.startsWith(m_server->baseUrl().toString()));
     emit view->clicked(help);
     QCOMPARE(frame->stack()->currentIndex(), 1);
-    QCOMPARE(frame->webView()->url(), QUrl::fromUserInput(url));
+    QTRY_COMPARE_WITH_TIMEOUT(QUrl(frame->webView()->url()), QUrl::fromUserInput(url), kTimeout);
     QCOMPARE(frame->rightContainer()->currentView(), 260);
 
     // Back to a view: the data page again, and the web page keeps its place in the stack.
