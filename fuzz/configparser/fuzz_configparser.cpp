@@ -18,6 +18,7 @@
 #include "jsonparser/tfviewconfigtable.h"
 #include "mulittable/tfheaderdatastruct.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -41,8 +42,13 @@ static void dropMessage(QtMsgType, const QMessageLogContext&, const QString&)
 {
 }
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
+    // Caption expressions and derived cells of the header and rows that
+    // parseConfig builds run in the script engine, which wants an
+    // application.
+    static QCoreApplication* app = new QCoreApplication(*argc, *argv);
+    Q_UNUSED(app);
     // The tables log every bad embedded text; writing them out would only
     // slow the run down.
     qInstallMessageHandler(dropMessage);
