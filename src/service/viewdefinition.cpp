@@ -49,10 +49,10 @@ bool readColumn(const QJsonObject &o, ColumnSpec *c, QString *error)
     c->statExpression = o.value(QLatin1String("stat")).toString();
     const QJsonArray children = o.value(QLatin1String("columns")).toArray();
     for (const QJsonValue &child : children) {
-        ColumnSpec spec;
-        if (!readColumn(child.toObject(), &spec, error))
+        ColumnSpec column;
+        if (!readColumn(child.toObject(), &column, error))
             return false;
-        c->children.append(spec);
+        c->children.append(column);
     }
     if (c->isBand && c->children.isEmpty()) {
         *error = QStringLiteral("band %1 has no columns").arg(c->field);
@@ -64,10 +64,10 @@ bool readColumn(const QJsonObject &o, ColumnSpec *c, QString *error)
 bool readColumns(const QJsonArray &array, QList<ColumnSpec> *out, QString *error)
 {
     for (const QJsonValue &value : array) {
-        ColumnSpec spec;
-        if (!readColumn(value.toObject(), &spec, error))
+        ColumnSpec column;
+        if (!readColumn(value.toObject(), &column, error))
             return false;
-        out->append(spec);
+        out->append(column);
     }
     return true;
 }
@@ -142,18 +142,18 @@ bool ViewDefinition::fromJson(const QJsonObject &o, ViewDefinition *view, QStrin
     const QJsonObject parameters = o.value(QLatin1String("parameters")).toObject();
     for (auto it = parameters.constBegin(); it != parameters.constEnd(); ++it) {
         const QJsonObject p = it.value().toObject();
-        ParameterSpec spec;
-        spec.key = it.key();
-        spec.column = p.value(QLatin1String("column")).toString();
-        spec.op = p.value(QLatin1String("op")).toString(QStringLiteral("=="));
+        ParameterSpec parameter;
+        parameter.key = it.key();
+        parameter.column = p.value(QLatin1String("column")).toString();
+        parameter.op = p.value(QLatin1String("op")).toString(QStringLiteral("=="));
         for (const QJsonValue &s : p.value(QLatin1String("search")).toArray())
-            spec.search.append(s.toString());
-        spec.blockColumn = p.value(QLatin1String("block")).toString();
-        if (spec.column.isEmpty() && spec.search.isEmpty() && spec.blockColumn.isEmpty()) {
-            *error = QStringLiteral("parameter %1 names no column").arg(spec.key);
+            parameter.search.append(s.toString());
+        parameter.blockColumn = p.value(QLatin1String("block")).toString();
+        if (parameter.column.isEmpty() && parameter.search.isEmpty() && parameter.blockColumn.isEmpty()) {
+            *error = QStringLiteral("parameter %1 names no column").arg(parameter.key);
             return false;
         }
-        view->parameters.insert(spec.key, spec);
+        view->parameters.insert(parameter.key, parameter);
     }
 
     view->filters = o.value(QLatin1String("filters")).toArray();

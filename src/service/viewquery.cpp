@@ -75,11 +75,11 @@ bool ViewQuery::whereClause(const RequestBody &body, const ColumnSet &columns, c
     where->bindings = filter.bindings;
     if (view) {
         for (auto it = body.parameters.constBegin(); it != body.parameters.constEnd(); ++it) {
-            const auto spec = view->parameters.constFind(it.key());
-            if (spec == view->parameters.constEnd() || isEmptyParameter(it.value()))
+            const auto declared = view->parameters.constFind(it.key());
+            if (declared == view->parameters.constEnd() || isEmptyParameter(it.value()))
                 continue;
             SqlFragment piece;
-            if (!parameterCondition(spec.value(), it.value(), columns, &piece, error))
+            if (!parameterCondition(declared.value(), it.value(), columns, &piece, error))
                 return false;
             parts << piece.sql;
             where->bindings << piece.bindings;
