@@ -7,6 +7,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSignalSpy>
+#include <QThreadPool>
 #include <QtTest>
 
 namespace {
@@ -29,6 +30,8 @@ class tst_TFMainView : public QObject
     Q_OBJECT
 private slots:
     void initTestCase() { TFTableModelData::registerRowDataType(); }
+    // A main table asks for its rows at once; let those requests end while the application lives.
+    void cleanupTestCase() { QVERIFY(QThreadPool::globalInstance()->waitForDone(30000)); }
     void viewKind_data();
     void viewKind();
     void emptyStack();
