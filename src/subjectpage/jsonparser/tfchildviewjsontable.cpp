@@ -17,20 +17,8 @@ void TFChildViewJsonTable::initWith(const QJsonValue& value)
 {
     m_children.clear();
 
-    QJsonParseError error;
-    const QJsonDocument document = TFJsonRead::parseEmbeddedJson(value, &error);
-    if (error.error != QJsonParseError::NoError) {
-        qDebug().noquote() << Q_FUNC_INFO << TFJsonRead::parseErrorText(error);
-        return;
-    }
-    if (!document.isArray() || document.array().isEmpty())
-        return;
-
-    const QJsonArray array = document.array();
-    for (const QJsonValue& element : array) {
-        if (!element.isObject())
-            continue;
-        const QJsonObject object = element.toObject();
+    const QVector<QJsonObject> objects = TFJsonRead::embeddedObjects(value, Q_FUNC_INFO);
+    for (const QJsonObject& object : objects) {
 
         ChildView child;
         child.caption = object.value(QLatin1String("Caption")).toString();

@@ -24,20 +24,8 @@ void TFFilterJsonTable::initWith(const QJsonValue& value)
 {
     m_filters.clear();
 
-    QJsonParseError error;
-    const QJsonDocument document = TFJsonRead::parseEmbeddedJson(value, &error);
-    if (error.error != QJsonParseError::NoError) {
-        qDebug().noquote() << Q_FUNC_INFO << TFJsonRead::parseErrorText(error);
-        return;
-    }
-    if (!document.isArray() || document.array().isEmpty())
-        return;
-
-    const QJsonArray array = document.array();
-    for (const QJsonValue& element : array) {
-        if (!element.isObject())
-            continue;
-        const QJsonObject object = element.toObject();
+    const QVector<QJsonObject> objects = TFJsonRead::embeddedObjects(value, Q_FUNC_INFO);
+    for (const QJsonObject& object : objects) {
         auto text = [&object](const char* key) { return object.value(QLatin1String(key)).toString(); };
 
         TFTableModelData::FilterData filter;

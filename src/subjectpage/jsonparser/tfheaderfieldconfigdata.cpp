@@ -19,20 +19,9 @@ void TFHeaderFieldConfigData::initWith(const QJsonValue& value)
 {
     m_fields.clear();
 
-    QJsonParseError error;
-    const QJsonDocument document = TFJsonRead::parseEmbeddedJson(value, &error);
-    if (error.error != QJsonParseError::NoError) {
-        qDebug().noquote() << Q_FUNC_INFO << TFJsonRead::parseErrorText(error);
-        return;
-    }
-    if (!document.isArray() || document.array().isEmpty())
-        return;
-
-    const QJsonArray array = document.array();
-    for (const QJsonValue& element : array) {
-        if (!element.isObject())
-            continue;
-        m_fields.append(readField(element.toObject()));
+    const QVector<QJsonObject> objects = TFJsonRead::embeddedObjects(value, Q_FUNC_INFO);
+    for (const QJsonObject& object : objects) {
+        m_fields.append(readField(object));
     }
 }
 

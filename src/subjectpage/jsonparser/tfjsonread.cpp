@@ -1,5 +1,8 @@
 #include "tfjsonread.h"
 
+#include <QDebug>
+#include <QJsonArray>
+
 
 #include <cmath>
 #include <limits>
@@ -41,6 +44,24 @@ QJsonDocument parseEmbeddedJson(const QJsonValue& value, QJsonParseError* error)
 QString parseErrorText(const QJsonParseError& error)
 {
     return QStringLiteral("Json parse error: ") + error.errorString();
+}
+
+QVector<QJsonObject> embeddedObjects(const QJsonValue& value, const char* caller)
+{
+    QJsonParseError error;
+    const QJsonDocument document = parseEmbeddedJson(value, &error);
+    if (error.error != QJsonParseError::NoError) {
+        qDebug().noquote() << caller << parseErrorText(error);
+        return {};
+    }
+    QVector<QJsonObject> objects;
+    const QJsonArray array = document.array();
+    objects.reserve(array.size());
+    for (const QJsonValue& element : array) {
+        if (element.isObject())
+            objects.append(element.toObject());
+    }
+    return objects;
 }
 
 } // namespace TFJsonRead

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QJsonParseError>
 #include <QJsonValue>
 #include <QString>
+#include <QVector>
 
 // Small readers shared by the configuration tables.
 namespace TFJsonRead {
@@ -20,5 +22,10 @@ QJsonDocument parseEmbeddedJson(const QJsonValue& value, QJsonParseError* error)
 
 // The debug line of a table whose embedded text failed to parse.
 QString parseErrorText(const QJsonParseError& error);
+
+// The objects of an array held as JSON text in a string value, in order;
+// elements that are no objects are passed over. Text that does not parse is
+// logged under the caller's name and, like any other shape, gives none.
+QVector<QJsonObject> embeddedObjects(const QJsonValue& value, const char* caller);
 
 } // namespace TFJsonRead
