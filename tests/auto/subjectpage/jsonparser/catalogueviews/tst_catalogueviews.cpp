@@ -10,6 +10,8 @@
 
 #include "subjectservice.h"
 
+#include "../../shared/viewconfigurationrequest.h"
+
 #include "../shared/messagelog.h"
 
 #include <QDir>
@@ -44,7 +46,6 @@ private slots:
     void view();
 
 private:
-    QJsonObject fetchConfiguration(qint64 viewId);
 
     QTemporaryDir m_databaseDir;
     std::unique_ptr<SubjectService::Server> m_server;
@@ -71,28 +72,6 @@ void tst_CatalogueViews::cleanupTestCase()
 {
     if (m_server)
         m_server->stop();
-}
-
-QJsonObject tst_CatalogueViews::fetchConfiguration(qint64 viewId)
-{
-    QUrl url = m_server->baseUrl();
-    url.setPath("/bas/subject/data");
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
-    request.setRawHeader("userId", "demo");
-    request.setRawHeader("prodId", "subject");
-    const QJsonObject body { { "auth", QJsonObject { { "userId", "demo" }, { "prodId", "subject" } } },
-                             { "obj_vw_id", double(viewId) }, { "flag", 0 } };
-
-    QNetworkAccessManager manager;
-    std::unique_ptr<QNetworkReply> reply(manager.post(request, QJsonDocument(body).toJson(QJsonDocument::Compact)));
-    QEventLoop loop;
-    QTimer::singleShot(30000, &loop, &QEventLoop::quit);
-    connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    loop.exec();
-    if (!reply->isFinished() || reply->error() != QNetworkReply::NoError)
-        return QJsonObject();
-    return QJsonDocument::fromJson(reply->readAll()).object();
 }
 
 void tst_CatalogueViews::view_data()
@@ -198,7 +177,7 @@ void tst_CatalogueViews::view()
     const qint64 viewId = qint64(file.value("id").toDouble());
     const QJsonObject properties = file.value("properties").toObject();
 
-    const QJsonObject envelope = fetchConfiguration(viewId);
+    const QJsonObject envelope = fetchViewConfiguration(m_server->baseUrl(), viewId);
     QCOMPARE(envelope.value("state").toInt(), 1);
     const QJsonValue document = envelope.value("data");
     QVERIFY(document.isObject());

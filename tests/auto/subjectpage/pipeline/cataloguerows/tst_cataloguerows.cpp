@@ -8,6 +8,8 @@
 #include "mulittable/tfunboundexpression.h"
 
 #include "subjectservice.h"
+
+#include "../../shared/viewconfigurationrequest.h"
 #include "tfcore/tfcore.h"
 
 #include <QDateTime>
@@ -89,7 +91,6 @@ private slots:
     void view();
 
 private:
-    QJsonObject fetch(qint64 viewId);
 
     QTemporaryDir m_databaseDir;
     std::unique_ptr<SubjectService::Server> m_server;
@@ -112,27 +113,6 @@ void tst_CatalogueRows::cleanupTestCase()
         m_server->stop();
 }
 
-QJsonObject tst_CatalogueRows::fetch(qint64 viewId)
-{
-    QUrl url = m_server->baseUrl();
-    url.setPath("/bas/subject/data");
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
-    request.setRawHeader("userId", "demo");
-    request.setRawHeader("prodId", "subject");
-    const QJsonObject body{ { "auth", QJsonObject{ { "userId", "demo" }, { "prodId", "subject" } } },
-                            { "obj_vw_id", double(viewId) }, { "flag", 0 } };
-    QNetworkAccessManager manager;
-    std::unique_ptr<QNetworkReply> reply(manager.post(request, QJsonDocument(body).toJson(QJsonDocument::Compact)));
-    QEventLoop loop;
-    QTimer::singleShot(30000, &loop, &QEventLoop::quit);
-    connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    loop.exec();
-    if (!reply->isFinished() || reply->error() != QNetworkReply::NoError)
-        return QJsonObject();
-    return QJsonDocument::fromJson(reply->readAll()).object();
-}
-
 void tst_CatalogueRows::view_data()
 {
     QTest::addColumn<qint64>("viewId");
@@ -146,7 +126,7 @@ void tst_CatalogueRows::view_data()
 void tst_CatalogueRows::view()
 {
     QFETCH(qint64, viewId);
-    const QJsonObject reply = fetch(viewId);
+    const QJsonObject reply = fetchViewConfiguration(m_server->baseUrl(), viewId);
     QCOMPARE(reply.value("state").toInt(), 1);
     const QJsonObject document = reply.value("data").toObject();
     QVERIFY(document.contains("Data"));
