@@ -110,6 +110,8 @@ private slots:
     void layoutOfTheFrame();
 
 private:
+    // The service most cases need: the test's navigation, good replies.
+    Service serviceWithNavigation() const;
     std::unique_ptr<HttpTestServer> startService(const Service &service);
     std::unique_ptr<TFSubjectPage> openPage(const QString &url);
 
@@ -134,6 +136,13 @@ void tst_TFSubjectMainFrame::initTestCase()
                     node(103, 2, QStringLiteral("网页"), 1, 0, QStringLiteral("about:blank"))};
 }
 
+Service tst_TFSubjectMainFrame::serviceWithNavigation() const
+{
+    Service service;
+    service.navigation = m_navigation;
+    return service;
+}
+
 std::unique_ptr<HttpTestServer> tst_TFSubjectMainFrame::startService(const Service &service)
 {
     auto server = std::make_unique<HttpTestServer>();
@@ -155,8 +164,7 @@ std::unique_ptr<TFSubjectPage> tst_TFSubjectMainFrame::openPage(const QString &u
 
 void tst_TFSubjectMainFrame::stockPageRequestsBlocksAndNavigation()
 {
-    Service service;
-    service.navigation = m_navigation;
+    Service service = serviceWithNavigation();
     service.blocks = {QJsonObject{{"SECT_ID", 5}, {"P_SECT_ID", 0}, {"SECT_NAME", "行业"}}};
     auto server = startService(service);
     QVERIFY(server);
@@ -197,9 +205,7 @@ void tst_TFSubjectMainFrame::otherTopicsRequestNoBlocks()
 {
     QFETCH(QString, url);
     QFETCH(int, pNodeCode);
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(url);
 
@@ -212,9 +218,7 @@ void tst_TFSubjectMainFrame::otherTopicsRequestNoBlocks()
 
 void tst_TFSubjectMainFrame::nodeCodeTakesPrecedence()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=2&nodecode=102&objvwid=260"));
     QTRY_COMPARE_WITH_TIMEOUT(page->mainFrame()->rightContainer()->currentView(), 261, 10000);
@@ -223,9 +227,7 @@ void tst_TFSubjectMainFrame::nodeCodeTakesPrecedence()
 
 void tst_TFSubjectMainFrame::withNeitherNodeNorViewNoTreeLoads()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=61&title=Macro"));
     TFSubjectMainFrame *frame = page->mainFrame();
@@ -257,8 +259,7 @@ void tst_TFSubjectMainFrame::loadingImage()
     QFETCH(int, reply);
     QFETCH(QString, url);
     QFETCH(bool, hidden);
-    Service service;
-    service.navigation = m_navigation;
+    Service service = serviceWithNavigation();
     service.navReply = NavReply(reply);
     auto server = startService(service);
     QVERIFY(server);
@@ -288,9 +289,7 @@ void tst_TFSubjectMainFrame::loadingImage()
 
 void tst_TFSubjectMainFrame::nodeWithAddressShowsTheWebPage()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=2&nodecode=103"));
     TFSubjectMainFrame *frame = page->mainFrame();
@@ -312,9 +311,7 @@ void tst_TFSubjectMainFrame::nodeWithAddressShowsTheWebPage()
 
 void tst_TFSubjectMainFrame::groupChangeSetsTheWindowTitle()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=2&nodecode=102&title=Stocks"));
     TFSubjectMainFrame *frame = page->mainFrame();
@@ -326,8 +323,7 @@ void tst_TFSubjectMainFrame::groupChangeSetsTheWindowTitle()
 
 void tst_TFSubjectMainFrame::blockTreeAndItsFilter()
 {
-    Service service;
-    service.navigation = m_navigation;
+    Service service = serviceWithNavigation();
     service.blocks = {QJsonObject{{"SECT_ID", 5}, {"P_SECT_ID", 0}, {"SECT_NAME", "行业"}},
                       QJsonObject{{"SECT_ID", 6}, {"P_SECT_ID", 5}, {"SECT_NAME", "银行"}},
                       QJsonObject{{"SECT_ID", "7"}, {"P_SECT_ID", 5}, {"SECT_NAME", "保险"}}};
@@ -356,9 +352,7 @@ void tst_TFSubjectMainFrame::blockTreeAndItsFilter()
 
 void tst_TFSubjectMainFrame::secondRefreshRequestsAgainAndBuildsNothing()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260"));
     TFSubjectMainFrame *frame = page->mainFrame();
@@ -375,9 +369,7 @@ void tst_TFSubjectMainFrame::secondRefreshRequestsAgainAndBuildsNothing()
 
 void tst_TFSubjectMainFrame::layoutOfTheFrame()
 {
-    Service service;
-    service.navigation = m_navigation;
-    auto server = startService(service);
+    auto server = startService(serviceWithNavigation());
     QVERIFY(server);
     TFSubjectPage page;
     TFSubjectMainFrame *frame = page.mainFrame();
