@@ -1,5 +1,8 @@
 #include "tfmessagebox.h"
 
+#include "tfcore/commontemplate.h"
+#include "tfcore/tfshadow.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QDialog>
@@ -16,6 +19,8 @@ class tst_TFMessageBox : public QObject
 private slots:
     void showMsg_data();
     void showMsg();
+    void shadowFollowsSizeAndState();
+    void missingChildIsLogged();
 };
 
 void tst_TFMessageBox::showMsg_data()
@@ -85,6 +90,38 @@ void tst_TFMessageBox::showMsg()
     QCOMPARE(seen.size, QSize(300, 200));
     QVERIFY(seen.frameless);
     QCOMPARE(seen.pos, expected);
+}
+
+void tst_TFMessageBox::shadowFollowsSizeAndState()
+{
+    TFAdWidget<QDialog> window;
+    window.setShadowMargin(3);
+    window.setBlurRadius(4);
+    window.applyShadow();
+    window.resize(200, 100);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCOMPARE(window.shadowFrame()->geometry(), QRect(4, 4, window.width() - 8, window.height() - 8));
+    QCOMPARE(window.contentsMargins(), QMargins(3, 3, 3, 3));
+
+    window.showMaximized();
+    QTRY_VERIFY(window.isMaximized());
+    QCOMPARE(window.contentsMargins(), QMargins(0, 0, 0, 0));
+    QCOMPARE(window.shadowFrame()->geometry(), QRect(4, 4, window.width() - 8, window.height() - 8));
+
+    window.showNormal();
+    QTRY_VERIFY(!window.isMaximized());
+    QCOMPARE(window.contentsMargins(), QMargins(3, 3, 3, 3));
+}
+
+void tst_TFMessageBox::missingChildIsLogged()
+{
+    QWidget parent;
+    auto *label = new QLabel(&parent);
+    label->setObjectName(QStringLiteral("lbTitle"));
+    QCOMPARE(CommonTemplate::get<QLabel>(&parent, QStringLiteral("lbTitle")), label);
+    QTest::ignoreMessage(QtWarningMsg, "not found  \"lbTitle\"  with typename: QPushButton");
+    QCOMPARE(CommonTemplate::get<QPushButton>(&parent, QStringLiteral("lbTitle")), nullptr);
 }
 
 QTEST_MAIN(tst_TFMessageBox)
