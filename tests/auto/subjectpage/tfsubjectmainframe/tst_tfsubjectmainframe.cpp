@@ -107,7 +107,6 @@ private slots:
     void groupChangeSetsTheWindowTitle();
     void blockTreeAndItsFilter();
     void secondRefreshRequestsAgainAndBuildsNothing();
-    void layoutOfTheFrame();
 
 private:
     // The service most cases need: the test's navigation, good replies.
@@ -365,31 +364,6 @@ void tst_TFSubjectMainFrame::secondRefreshRequestsAgainAndBuildsNothing()
     QCOMPARE(frame->rightContainer(), right);
     QCOMPARE(frame->webView(), web);
     QCOMPARE(frame->stack()->count(), 2);
-}
-
-void tst_TFSubjectMainFrame::layoutOfTheFrame()
-{
-    auto server = startService(serviceWithNavigation());
-    QVERIFY(server);
-    TFSubjectPage page;
-    TFSubjectMainFrame *frame = page.mainFrame();
-    QCOMPARE(frame->objectName(), QStringLiteral("TFSubjectMainFrame"));
-    QCOMPARE(frame->windowTitle(), QStringLiteral("Frame"));
-    QVERIFY(frame->findChild<QSplitter *>(QStringLiteral("splitter")));
-    QCOMPARE(frame->leftContainer()->objectName(), QStringLiteral("leftContainer"));
-    QCOMPARE(frame->stack()->objectName(), QStringLiteral("rightContainer"));
-    QCOMPARE(frame->pNodeCode(), -1);
-    QVERIFY(!frame->rightContainer());
-
-    page.init(QUrl(QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260")), QVariant());
-    auto *splitter = frame->findChild<QSplitter *>(QStringLiteral("mainLayout"));
-    QVERIFY(splitter);
-    QCOMPARE(splitter->handleWidth(), 2);
-    QVERIFY(!splitter->childrenCollapsible());
-    QCOMPARE(frame->stack()->widget(0), static_cast<QWidget *>(frame->rightContainer()));
-    QCOMPARE(frame->stack()->widget(1), static_cast<QWidget *>(frame->webView()));
-    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260"));
-    QTRY_COMPARE_WITH_TIMEOUT(requestsFor(*server, 390).size(), 1, 10000);
 }
 
 int main(int argc, char *argv[])
