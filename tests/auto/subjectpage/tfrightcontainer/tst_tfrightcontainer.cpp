@@ -17,6 +17,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
@@ -166,7 +167,10 @@ void tst_TFRightContainer::childNotices()
         QVERIFY(!ready);
     QCOMPARE(!container.tabWidget()->isHidden(), tabsShown);
     // A notice for a view the service does not know makes no tab, now or later.
-    QTest::qWait(300);
+    // Every request has run and its reply is among the posted events: what
+    // has not happened by now does not happen.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::sendPostedEvents();
     QCOMPARE(container.tabWidget()->count(), 0);
     QCOMPARE(container.childState().keys(), children);
 }

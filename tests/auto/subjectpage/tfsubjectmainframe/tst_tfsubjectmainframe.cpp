@@ -21,6 +21,7 @@
 #include <QStackedWidget>
 #include <QStandardItemModel>
 #include <QTreeView>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
@@ -211,7 +212,10 @@ void tst_TFSubjectMainFrame::otherTopicsRequestNoBlocks()
     QTRY_COMPARE_WITH_TIMEOUT(requestsFor(*server, 38).size(), 1, 10000);
     QCOMPARE(QJsonDocument::fromJson(requestsFor(*server, 38).first().body).object().value("P_NODE_CODE").toInt(),
              pNodeCode);
-    QTest::qWait(300);
+    // Every request has run and its reply is among the posted events: what
+    // has not happened by now does not happen.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::sendPostedEvents();
     QCOMPARE(requestsFor(*server, 43).size(), pNodeCode == 2 ? 1 : 0);
 }
 
@@ -275,7 +279,10 @@ void tst_TFSubjectMainFrame::loadingImage()
         QTRY_VERIFY_WITH_TIMEOUT(label->isHidden(), 10000);
         QTRY_COMPARE(requestsFor(*server, 390).size(), 1);
     } else {
-        QTest::qWait(500);
+        // Every request has run and its reply is among the posted events: what
+        // has not happened by now does not happen.
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+        QCoreApplication::sendPostedEvents();
         QVERIFY(label->isVisible());
         // The image is placed in the middle of the frame at each resize.
         page->resize(901, 501);
