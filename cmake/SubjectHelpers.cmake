@@ -21,6 +21,11 @@ endfunction()
 # A Qt Test suite registered with CTest. Suites that make no web view run on
 # the offscreen platform; WEBENGINE suites need X and run under xvfb-run with
 # the sandbox off (we run as root in CI).
+#
+# Labels: a suite that starts a server or a web engine is "e2e" (WEBENGINE
+# implies it; others say LABELS e2e); every other suite is "unit", so that
+# `ctest -L unit` is the quick loop. Each suite runs with a home and a
+# temporary folder of its own (cmake/run-isolated.sh).
 function(subject_add_qtest name)
     cmake_parse_arguments(T "WEBENGINE" "TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${name} ${T_SOURCES})
@@ -31,16 +36,24 @@ function(subject_add_qtest name)
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 300)
     endif()
+    set(isolated ${CMAKE_SOURCE_DIR}/cmake/run-isolated.sh)
     if(T_WEBENGINE)
         find_program(XVFB_RUN xvfb-run REQUIRED)
-        add_test(NAME ${name} COMMAND ${XVFB_RUN} -a $<TARGET_FILE:${name}>)
+        add_test(NAME ${name} COMMAND ${isolated} ${XVFB_RUN} -a $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES ENVIRONMENT
             "QTWEBENGINE_DISABLE_SANDBOX=1;QTWEBENGINE_CHROMIUM_FLAGS=--no-sandbox --disable-gpu;ASAN_OPTIONS=detect_leaks=0:new_delete_type_mismatch=0")
     else()
-        add_test(NAME ${name} COMMAND ${name})
+        add_test(NAME ${name} COMMAND ${isolated} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES ENVIRONMENT
             "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
     endif()
+    if(T_WEBENGINE)
+        list(APPEND T_LABELS e2e)
+    endif()
+    if(NOT T_LABELS)
+        set(T_LABELS unit)
+    endif()
+    list(REMOVE_DUPLICATES T_LABELS)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "${T_LABELS}")
 endfunction()
 

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QJsonArray>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <sqlite3.h>
@@ -34,10 +35,8 @@ private slots:
     void remoteList();
     void helpPage();
 
-    void configurationDocument();
     void filterTranslation_data();
     void filterTranslation();
-    void tableSurvivesInjection();
     void paging_data();
     void paging();
     void pagesDoNotOverlap();
@@ -64,14 +63,17 @@ private:
     QStringList idsFromService(const QString &filter, const QJsonObject &params, QString *msg);
     static QJsonValue parseText(const QJsonValue &value);
 
+    QTemporaryDir m_dir;
     std::unique_ptr<Server> m_server;
     Catalogue m_catalogue;
 };
 
 void tst_SubjectService::initTestCase()
 {
+    QVERIFY(m_dir.isValid());
     Options options;
     options.port = 0;
+    options.dbPath = m_dir.filePath(QStringLiteral("service.sqlite"));
     m_server.reset(new Server(options));
     QString error;
     QVERIFY2(m_server->start(&error), qPrintable(error));
@@ -128,15 +130,13 @@ QStringList tst_SubjectService::idsFromService(const QString &filter, const QJso
 void tst_SubjectService::navigation_data()
 {
     QTest::addColumn<int>("root");
-    QTest::addColumn<int>("minViews");
     for (int root : {2, 61, 311, 50, 758, 4781, 159, 4782, 4785, 4808, 4837, 190})
-        QTest::newRow(qPrintable(QString::number(root))) << root << 1;
+        QTest::newRow(qPrintable(QString::number(root))) << root;
 }
 
 void tst_SubjectService::navigation()
 {
     QFETCH(int, root);
-    QFETCH(int, minViews);
     const ServiceReply reply = postJson(base(), "/bas/ds/data", {{"objId", 38}, {"P_NODE_CODE", root},
                                                                  {"auth", QJsonObject{{"userId", "u"}, {"prodId", "p"}}}});
     QCOMPARE(reply.httpStatus, 200);
@@ -165,7 +165,7 @@ void tst_SubjectService::navigation()
         if (!url.isEmpty())
             QVERIFY2(url.startsWith(base().toString()), qPrintable(url));
     }
-    QVERIFY(views >= minViews);
+    QVERIFY(views >= 1);
 }
 
 void tst_SubjectService::navigationUnknownRoot()
@@ -244,71 +244,6 @@ void tst_SubjectService::helpPage()
     QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 200);
     QVERIFY(QString::fromUtf8(reply->readAll()).contains("股票专题"));
     delete reply;
-}
-
-void tst_SubjectService::configurationDocument()
-{
-    const ServiceReply reply = postJson(base(), "/bas/subject/data", {{"obj_vw_id", 260}, {"flag", 0}});
-    QCOMPARE(reply.state(), 1);
-    const QJsonObject document = reply.data().toObject();
-    QCOMPARE(document.keys(), QStringList({"Data", "Object_View", "Object_View_Config", "Summary", "View_Config"}));
-    QCOMPARE(document.value("Data").toArray().size(), 100);   // the view's page size
-    QCOMPARE(document.value("Object_View").toArray().at(0).toObject().value("obj_vw_name").toString(), QString("沪深A股行情"));
-
-    QMap<QString, QJsonObject> properties;
-    for (const QJsonValue &row : document.value("View_Config").toArray())
-        properties.insert(row.toObject().value("prop_name").toString(), row.toObject());
-    QCOMPARE(properties.value("FrozenCount").value("prop_val").toString(), QString("2"));
-    QCOMPARE(properties.value("isShowChild").value("prop_val").toString(), QString("1"));
-    // The bands level is read from the row's own member.
-    QCOMPARE(properties.value("BandsLevel").value("BandsLevel").toInt(), 3);
-    for (const char *extend : {"Bands", "filters", "childView"}) {
-        QCOMPARE(properties.value(extend).value("prop_typ").toString(), QString("EXTEND"));
-        QVERIFY2(properties.value(extend).value("ext_prop_val").isString(), extend);
-        QVERIFY2(parseText(properties.value(extend).value("ext_prop_val")).isArray(), extend);
-    }
-    const QJsonArray children = parseText(properties.value("childView").value("ext_prop_val")).toArray();
-    QCOMPARE(children.size(), 3);
-    QCOMPARE(children.at(0).toObject().value("ObjShowName").toString(), QString("261"));
-    QVERIFY(children.at(0).toObject().value("Propertyparams").toString().contains("数据源"));
-
-    // Bands: three levels, a hidden band, a band whose unit factors override its leaves.
-    const QJsonArray bands = parseText(properties.value("Bands").value("ext_prop_val")).toArray();
-    QMap<QString, QJsonObject> byName;
-    for (const QJsonValue &b : bands)
-        byName.insert(b.toObject().value("FieldName").toString(), b.toObject());
-    QCOMPARE(byName.value("VOLUME").value("OwnerBand").toString(), QString("B_TRADE"));
-    QCOMPARE(byName.value("B_TRADE").value("OwnerBand").toString(), QString("B_QUOTE"));
-    QCOMPARE(byName.value("B_QUOTE").value("OwnerBand").toString(), QString("0"));
-    QCOMPARE(byName.value("B_INTERNAL").value("Visible").toBool(), false);
-    QCOMPARE(byName.value("B_SHARE").value("ShowUnitFactor").toDouble(), 100000000.0);
-    QCOMPARE(byName.value("B_SHARE").value("UnitCategory").toInt(), 2);
-
-    // Display settings travel in ots_cfg; visibility in vw_sts.
-    QMap<QString, QJsonObject> fields;
-    for (const QJsonValue &row : document.value("Object_View_Config").toArray()) {
-        const QJsonObject o = row.toObject();
-        const QJsonValue ots = parseText(o.value("ots_cfg"));
-        QVERIFY(ots.isObject());
-        fields.insert(o.value("obj_prop_name").toString(), ots.toObject());
-        fields[o.value("obj_prop_name").toString()].insert("vw_sts", o.value("vw_sts"));
-    }
-    QCOMPARE(fields.value("SECU_ID").value("vw_sts").toString(), QString("0"));
-    QCOMPARE(fields.value("MKT").value("vw_sts").toString(), QString("6"));
-    QCOMPARE(fields.value("SECU_SHT").value("ColumnType").toString(), QString("HyperLinkEdit"));
-    QVERIFY(fields.value("SECU_SHT").value("Url").toString().contains("${SECU_ID}"));
-    QCOMPARE(fields.value("COM_PROFILE").value("ColumnType").toString(), QString("MemoExEdit"));
-    QCOMPARE(fields.value("AMOUNT").value("ColumnType").toString(), QString("BandedGridColumnWithUnit"));
-    QCOMPARE(fields.value("AMPLITUDE").value("UnboundExpression").toString(),
-             QString("([HIGH_PRICE]-[LOW_PRICE])*100/[OPEN_PRICE]"));
-    QVERIFY(!fields.value("CHG_PCT").value("CellStyleExpression").toString().isEmpty());
-
-    // The first row carries every source field, dates as milliseconds.
-    const QJsonObject first = document.value("Data").toArray().at(0).toObject();
-    for (const char *key : {"SECU_ID", "SECU_CODE", "HIGH_PRICE", "LOW_PRICE", "OPEN_PRICE", "COM_ID"})
-        QVERIFY2(first.contains(QLatin1String(key)), key);
-    QVERIFY(first.value("LIST_DATE").isDouble());
-    QVERIFY(!first.contains("AMPLITUDE"));   // computed by the client
 }
 
 void tst_SubjectService::filterTranslation_data()
@@ -425,15 +360,6 @@ void tst_SubjectService::filterTranslation()
     const QStringList expected = idsFromDatabase(expectedWhere);
     QVERIFY(expected.size() >= minRows);
     QCOMPARE(got, expected);
-}
-
-void tst_SubjectService::tableSurvivesInjection()
-{
-    QString msg;
-    idsFromService("(SECU_SHT == :s)", {{"s", "x'); DROP TABLE stock; --"}}, &msg);
-    const ServiceReply reply = postJson(base(), "/bas/subject/data", {{"obj_vw_id", 260}, {"flag", 1}, {"page", 1}, {"size", 1}});
-    QCOMPARE(reply.state(), 1);
-    QCOMPARE(reply.data().toObject().value("Summary").toArray().at(0).toObject().value("value").toInt(), 2000);
 }
 
 void tst_SubjectService::paging_data()

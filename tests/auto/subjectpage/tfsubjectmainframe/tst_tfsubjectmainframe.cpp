@@ -21,6 +21,7 @@
 #include <QStackedWidget>
 #include <QStandardItemModel>
 #include <QTreeView>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
@@ -107,7 +108,6 @@ private slots:
     void groupChangeSetsTheWindowTitle();
     void blockTreeAndItsFilter();
     void secondRefreshRequestsAgainAndBuildsNothing();
-    void layoutOfTheFrame();
 
 private:
     // The service most cases need: the test's navigation, good replies.
@@ -212,7 +212,10 @@ void tst_TFSubjectMainFrame::otherTopicsRequestNoBlocks()
     QTRY_COMPARE_WITH_TIMEOUT(requestsFor(*server, 38).size(), 1, 10000);
     QCOMPARE(QJsonDocument::fromJson(requestsFor(*server, 38).first().body).object().value("P_NODE_CODE").toInt(),
              pNodeCode);
-    QTest::qWait(300);
+    // Every request has run and its reply is among the posted events: what
+    // has not happened by now does not happen.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::sendPostedEvents();
     QCOMPARE(requestsFor(*server, 43).size(), pNodeCode == 2 ? 1 : 0);
 }
 
@@ -276,7 +279,10 @@ void tst_TFSubjectMainFrame::loadingImage()
         QTRY_VERIFY_WITH_TIMEOUT(label->isHidden(), 10000);
         QTRY_COMPARE(requestsFor(*server, 390).size(), 1);
     } else {
-        QTest::qWait(500);
+        // Every request has run and its reply is among the posted events: what
+        // has not happened by now does not happen.
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+        QCoreApplication::sendPostedEvents();
         QVERIFY(label->isVisible());
         // The image is placed in the middle of the frame at each resize.
         page->resize(901, 501);
@@ -365,31 +371,6 @@ void tst_TFSubjectMainFrame::secondRefreshRequestsAgainAndBuildsNothing()
     QCOMPARE(frame->rightContainer(), right);
     QCOMPARE(frame->webView(), web);
     QCOMPARE(frame->stack()->count(), 2);
-}
-
-void tst_TFSubjectMainFrame::layoutOfTheFrame()
-{
-    auto server = startService(serviceWithNavigation());
-    QVERIFY(server);
-    TFSubjectPage page;
-    TFSubjectMainFrame *frame = page.mainFrame();
-    QCOMPARE(frame->objectName(), QStringLiteral("TFSubjectMainFrame"));
-    QCOMPARE(frame->windowTitle(), QStringLiteral("Frame"));
-    QVERIFY(frame->findChild<QSplitter *>(QStringLiteral("splitter")));
-    QCOMPARE(frame->leftContainer()->objectName(), QStringLiteral("leftContainer"));
-    QCOMPARE(frame->stack()->objectName(), QStringLiteral("rightContainer"));
-    QCOMPARE(frame->pNodeCode(), -1);
-    QVERIFY(!frame->rightContainer());
-
-    page.init(QUrl(QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260")), QVariant());
-    auto *splitter = frame->findChild<QSplitter *>(QStringLiteral("mainLayout"));
-    QVERIFY(splitter);
-    QCOMPARE(splitter->handleWidth(), 2);
-    QVERIFY(!splitter->childrenCollapsible());
-    QCOMPARE(frame->stack()->widget(0), static_cast<QWidget *>(frame->rightContainer()));
-    QCOMPARE(frame->stack()->widget(1), static_cast<QWidget *>(frame->webView()));
-    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260"));
-    QTRY_COMPARE_WITH_TIMEOUT(requestsFor(*server, 390).size(), 1, 10000);
 }
 
 int main(int argc, char *argv[])

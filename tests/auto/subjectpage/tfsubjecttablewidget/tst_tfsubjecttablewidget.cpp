@@ -23,6 +23,7 @@
 #include <QLayout>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <memory>
@@ -332,7 +333,10 @@ void tst_TFSubjectTableWidget::identicalRequestsInFlight()
     // The first reply builds a grid; the second finds its rows on screen
     // already and only tells the time.
     QTRY_VERIFY_WITH_TIMEOUT(grids.count >= 1 && settled(*widget), 30000);
-    QTest::qWait(1500);
+    // Every request has run and its reply is among the posted events: what
+    // has not happened by now does not happen.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::sendPostedEvents();
     QCOMPARE(grids.count, 1);
     QVERIFY2(kElapsed.match(widget->timeLabel()->text()).hasMatch(), qPrintable(widget->timeLabel()->text()));
     QVERIFY(widget->model()->rowCount() > 0);

@@ -43,7 +43,6 @@ private slots:
     void nodeValues();
     void headerAndFlags();
     void checksSpreadToChildren();
-    void checkedCodesThroughProxy();
 };
 
 void tst_TFSubjectTreeModel::build_data()
@@ -174,18 +173,6 @@ void tst_TFSubjectTreeModel::checksSpreadToChildren()
     mainTree.build(rows("[{\"NODE_CODE\":3,\"P_NODE_CODE\":2,\"NODE_CAP\":\"x\"}]"), 2, false);
     QVERIFY(!mainTree.setData(mainTree.index(0, 0), Qt::Checked, Qt::CheckStateRole));
     QVERIFY(mainTree.checkedCodes().isEmpty());
-}
-
-void tst_TFSubjectTreeModel::checkedCodesThroughProxy()
-{
-    TFSubjectTreeModel model;
-    model.build(rows("[{\"SECT_ID\":7,\"P_SECT_ID\":0,\"SECT_NAME\":\"p\"},{\"SECT_ID\":8,\"P_SECT_ID\":7,\"SECT_NAME\":\"q\"}]"),
-                0, true);
-    QSortFilterProxyModel proxy;
-    proxy.setSourceModel(&model);
-    QVERIFY(!proxy.setData(proxy.index(0, 0), Qt::Checked, Qt::CheckStateRole));
-    QCOMPARE(proxy.index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-    QCOMPARE(model.checkedCodes().size(), 2);
 }
 
 QTEST_MAIN(tst_TFSubjectTreeModel)

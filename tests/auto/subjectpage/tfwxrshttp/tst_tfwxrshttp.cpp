@@ -191,7 +191,7 @@ void tst_TFWXRSHttp::redirectToLessSafeSchemeNotFollowed()
     QVERIFY(!result.ok);
     QCOMPARE(result.data, QByteArray("Insecure redirect"));
     QCOMPARE(secure.requestCount(), 1);
-    QTest::qWait(200);
+    // The post is over: a followed redirect would have reached the plain server by now.
     QCOMPARE(plain.requestCount(), 0);
 }
 
@@ -247,7 +247,9 @@ void tst_TFWXRSHttp::workThreadDeliversOnReceiverThread()
     QCOMPARE(delivery->data, HttpTestServer::envelope(QJsonValue()));
     QCOMPARE(delivery->thread, receiver.thread());
     QCOMPARE(server.requests().first().body, QByteArray("{\"a\":1}"));
-    QTest::qWait(100);
+    // Once the runnable is gone, a second delivery could only wait among the posted events.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+    QCoreApplication::sendPostedEvents();
     QCOMPARE(delivery->calls.load(), 1);
 }
 
@@ -371,8 +373,7 @@ void tst_TFWXRSHttp::destroyedReceiverGetsNothing()
     release->release();
 
     QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
-    // Give a queued call every chance to arrive.
-    QTest::qWait(300);
+    // The runnable is gone: a delivery could only wait among the posted events.
     QCoreApplication::sendPostedEvents();
     QCOMPARE(delivery->calls.load(), 0);
 }

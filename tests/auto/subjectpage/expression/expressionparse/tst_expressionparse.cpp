@@ -1,3 +1,4 @@
+#include <QScopeGuard>
 #include <QtTest>
 #include <QJSEngine>
 
@@ -293,7 +294,7 @@ void tst_ExpressionParse::malformed()
 // a slash follows it). The watchdog stops it, and the next formula is fine.
 void tst_ExpressionParse::runawayScriptIsInterrupted()
 {
-    const auto limit = ScriptWatchdog::timeLimit();
+    const auto restoreLimit = qScopeGuard([limit = ScriptWatchdog::timeLimit()] { ScriptWatchdog::setTimeLimit(limit); });
     ScriptWatchdog::setTimeLimit(std::chrono::milliseconds(200));
     ExpressionParse parser;
     QElapsedTimer timer;
@@ -301,7 +302,6 @@ void tst_ExpressionParse::runawayScriptIsInterrupted()
     QCOMPARE(evaluate(parser, QStringLiteral("1;while/**/(1)1")), QVariant());
     QVERIFY(timer.elapsed() < 10000);
     QCOMPARE(evaluate(parser, QStringLiteral("[A]*2"), Row{ { "A", "21" } }), QVariant(42));
-    ScriptWatchdog::setTimeLimit(limit);
 }
 
 void tst_ExpressionParse::evalFunction_data()

@@ -10,7 +10,6 @@ class tst_TFChartViewJsonTable : public QObject
     Q_OBJECT
 
 private slots:
-    void tableType();
     void readsEveryMember();
     void readsEverySeriesKey();
     void seriesNumbers_data();
@@ -38,11 +37,6 @@ static QJsonObject fullChart()
                           { "CaptionShowType", 3 }, { "YShaftType", "Right" }, { "SetStackGroup", 2 } },
         } },
     };
-}
-
-void tst_TFChartViewJsonTable::tableType()
-{
-    QCOMPARE(TFChartViewJsonTable().tableType(), 11);
 }
 
 void tst_TFChartViewJsonTable::readsEveryMember()

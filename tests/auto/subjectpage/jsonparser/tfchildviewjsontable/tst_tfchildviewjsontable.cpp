@@ -11,7 +11,6 @@ class tst_TFChildViewJsonTable : public QObject
     Q_OBJECT
 
 private slots:
-    void tableType();
     void announcements_data();
     void announcements();
     void announcedWhileReading();
@@ -19,11 +18,6 @@ private slots:
     void badText_data();
     void badText();
 };
-
-void tst_TFChildViewJsonTable::tableType()
-{
-    QCOMPARE(TFChildViewJsonTable().tableType(), 9);
-}
 
 void tst_TFChildViewJsonTable::announcements_data()
 {

@@ -10,7 +10,6 @@ class tst_TFFilterJsonTable : public QObject
     Q_OBJECT
 
 private slots:
-    void tableType();
     void readsEveryKey();
     void defaults();
     void numbersAsText_data();
@@ -30,11 +29,6 @@ static TFTableModelData::FilterData readOne(const QJsonObject& object)
     if (table.filters().size() != 1)
         qFatal("expected one filter");
     return table.filters().first();
-}
-
-void tst_TFFilterJsonTable::tableType()
-{
-    QCOMPARE(TFFilterJsonTable().tableType(), 10);
 }
 
 void tst_TFFilterJsonTable::readsEveryKey()

@@ -13,7 +13,6 @@ class tst_TFHeaderFieldConfigData : public QObject
     Q_OBJECT
 
 private slots:
-    void tableType();
     void readsEveryKey_data();
     void readsEveryKey();
     void otherFormIsNotRead();
@@ -63,18 +62,6 @@ static QJsonObject fullField(bool upper)
         { k("Level"), 2 },
         { k("StatExpression"), "SUM" },
     };
-}
-
-void tst_TFHeaderFieldConfigData::tableType()
-{
-    TFHeaderFieldConfigData upper(nullptr, true);
-    QCOMPARE(upper.tableType(), 8);
-    QVERIFY(upper.hasUpperCaseKeys());
-    QObject owner;
-    TFHeaderFieldConfigData lower(&owner, false);
-    QCOMPARE(lower.tableType(), 8);
-    QVERIFY(!lower.hasUpperCaseKeys());
-    QCOMPARE(lower.parent(), &owner);
 }
 
 void tst_TFHeaderFieldConfigData::readsEveryKey_data()

@@ -12,7 +12,6 @@ class tst_TFObjectViewConfigTable : public QObject
     Q_OBJECT
 
 private slots:
-    void tableTypes();
     void records();
     void notAnArray();
     void displaySettings();
@@ -28,13 +27,6 @@ private slots:
 
     void objectProperties();
 };
-
-void tst_TFObjectViewConfigTable::tableTypes()
-{
-    QCOMPARE(TFObjectViewConfigTable().tableType(), 12);
-    QCOMPARE(TFObjectViewJsonTable().tableType(), 3);
-    QCOMPARE(TFObjectPropertyTable().tableType(), 2);
-}
 
 void tst_TFObjectViewConfigTable::records()
 {

@@ -15,7 +15,6 @@ class tst_TFViewConfigTable : public QObject
     Q_OBJECT
 
 private slots:
-    void tableType();
     void flags_data();
     void flags();
     void flagsSurviveAnotherRead();
@@ -64,14 +63,6 @@ static QVariant flag(const TFViewConfigTable& table, const QString& getter)
     if (getter == "isShowFilter") return table.isShowFilter();
     qFatal("no getter %s", qPrintable(getter));
     return QVariant();
-}
-
-void tst_TFViewConfigTable::tableType()
-{
-    TFViewConfigTable table;
-    QCOMPARE(table.tableType(), 4);
-    QCOMPARE(table.viewId(), -1);
-    QCOMPARE(table.bandsLevel(), 1);
 }
 
 void tst_TFViewConfigTable::flags_data()

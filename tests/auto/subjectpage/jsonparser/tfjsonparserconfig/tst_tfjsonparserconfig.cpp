@@ -22,16 +22,11 @@
 
 using TFSubject::TFJsonParser;
 
-class tst_TFJsonParser : public QObject
+class tst_TFJsonParserConfig : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void tableNames();
-    void tableIdOfName_data();
-    void tableIdOfName();
-    void factory_data();
-    void factory();
 
     void dataTable_data();
     void dataTable();
@@ -45,7 +40,6 @@ private slots:
     void pagingFigures();
     void questionsWithoutViewTable();
     void childViewsAnnouncedWhileReading();
-    void noSectorOrEmptySignals();
 
     void tableViewDocument();
     void crossViewDocument();
@@ -75,7 +69,7 @@ static QList<int> tableIds(const TFJsonParser& parser)
     return ids;
 }
 
-QJsonObject tst_TFJsonParser::loadDocument(const QString& name)
+QJsonObject tst_TFJsonParserConfig::loadDocument(const QString& name)
 {
     QFile file(QStringLiteral(SUBJECT_TEST_DATA_DIR "/config/") + name);
     if (!file.open(QIODevice::ReadOnly))
@@ -87,80 +81,7 @@ QJsonObject tst_TFJsonParser::loadDocument(const QString& name)
     return document.object();
 }
 
-void tst_TFJsonParser::tableNames()
-{
-    const QStringList names { TFJsonTableName::TableName, TFJsonTableName::Structure, TFJsonTableName::DataUpper,
-                              TFJsonTableName::Data, TFJsonTableName::Object, TFJsonTableName::ObjectProperty,
-                              TFJsonTableName::ObjectView, TFJsonTableName::ObjectViewConfig,
-                              TFJsonTableName::Summary, TFJsonTableName::ViewConfig, TFJsonTableName::View };
-    QCOMPARE(names, (QStringList { "TABLENAME", "STRUCTURE", "DATA", "Data", "Object", "Object_Property",
-                                   "Object_View", "Object_View_Config", "Summary", "View_Config", "View" }));
-}
-
-void tst_TFJsonParser::tableIdOfName_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("id");
-
-    QTest::newRow("Data") << "Data" << 1;
-    QTest::newRow("Object ends at 5") << "Object" << 5;
-    QTest::newRow("Object_View") << "Object_View" << 3;
-    QTest::newRow("View_Config") << "View_Config" << 4;
-    QTest::newRow("Object_View_Config is 12") << "Object_View_Config" << 12;
-    QTest::newRow("Summary") << "Summary" << 7;
-    QTest::newRow("Object_Property") << "Object_Property" << 0;
-    QTest::newRow("DATA") << "DATA" << 0;
-    QTest::newRow("data") << "data" << 0;
-    QTest::newRow("View") << "View" << 0;
-    QTest::newRow("TABLENAME") << "TABLENAME" << 0;
-    QTest::newRow("empty") << "" << 0;
-}
-
-void tst_TFJsonParser::tableIdOfName()
-{
-    QFETCH(QString, name);
-    QFETCH(int, id);
-    QCOMPARE(TFJsonTableFactory::tableId(name), id);
-}
-
-void tst_TFJsonParser::factory_data()
-{
-    QTest::addColumn<int>("id");
-    QTest::addColumn<QString>("className");
-
-    QTest::newRow("-1") << -1 << QString();
-    QTest::newRow("0") << 0 << QString();
-    QTest::newRow("1") << 1 << "TFDataJsonTable";
-    QTest::newRow("2") << 2 << "TFObjectPropertyTable";
-    QTest::newRow("3") << 3 << "TFObjectViewJsonTable";
-    QTest::newRow("4") << 4 << "TFViewConfigTable";
-    QTest::newRow("5") << 5 << QString();
-    QTest::newRow("6") << 6 << QString();
-    QTest::newRow("7") << 7 << "TFSummaryJsonTable";
-    QTest::newRow("8") << 8 << "TFHeaderFieldConfigData";
-    QTest::newRow("9") << 9 << "TFChildViewJsonTable";
-    QTest::newRow("10") << 10 << "TFFilterJsonTable";
-    QTest::newRow("11") << 11 << "TFChartViewJsonTable";
-    QTest::newRow("12") << 12 << "TFObjectViewConfigTable";
-    QTest::newRow("13") << 13 << QString();
-}
-
-void tst_TFJsonParser::factory()
-{
-    QFETCH(int, id);
-    QFETCH(QString, className);
-
-    std::unique_ptr<TFBaseJsonTable> table(TFJsonTableFactory::createTable(id));
-    QCOMPARE(table ? QString::fromLatin1(table->metaObject()->className()) : QString(), className);
-    if (!table)
-        return;
-    QCOMPARE(table->tableType(), id);
-    QVERIFY(!table->parent());
-    if (id == 8)
-        QVERIFY(static_cast<TFHeaderFieldConfigData*>(table.get())->hasUpperCaseKeys());
-}
-
-void tst_TFJsonParser::dataTable_data()
+void tst_TFJsonParserConfig::dataTable_data()
 {
     QTest::addColumn<QJsonValue>("value");
     QTest::addColumn<int>("rowCount");
@@ -173,7 +94,7 @@ void tst_TFJsonParser::dataTable_data()
     QTest::newRow("text") << QJsonValue("[{\"A\":1}]") << 0;
 }
 
-void tst_TFJsonParser::dataTable()
+void tst_TFJsonParserConfig::dataTable()
 {
     QFETCH(QJsonValue, value);
     QFETCH(int, rowCount);
@@ -189,7 +110,7 @@ void tst_TFJsonParser::dataTable()
     }
 }
 
-void tst_TFJsonParser::rejects_data()
+void tst_TFJsonParserConfig::rejects_data()
 {
     QTest::addColumn<QJsonValue>("document");
     QTest::addColumn<bool>("withHeader");
@@ -198,7 +119,7 @@ void tst_TFJsonParser::rejects_data()
     QTest::newRow("no header") << QJsonValue(QJsonObject { { "Data", QJsonArray() } }) << false;
 }
 
-void tst_TFJsonParser::rejects()
+void tst_TFJsonParserConfig::rejects()
 {
     QFETCH(QJsonValue, document);
     QFETCH(bool, withHeader);
@@ -215,7 +136,7 @@ void tst_TFJsonParser::rejects()
     QCOMPARE(parser.header(), bandTree());
 }
 
-void tst_TFJsonParser::tablesOfDocument_data()
+void tst_TFJsonParserConfig::tablesOfDocument_data()
 {
     QTest::addColumn<QJsonValue>("document");
     QTest::addColumn<QList<int>>("tables");
@@ -240,7 +161,7 @@ void tst_TFJsonParser::tablesOfDocument_data()
                                      << QList<int>();
 }
 
-void tst_TFJsonParser::tablesOfDocument()
+void tst_TFJsonParserConfig::tablesOfDocument()
 {
     QFETCH(QJsonValue, document);
     QFETCH(QList<int>, tables);
@@ -251,7 +172,7 @@ void tst_TFJsonParser::tablesOfDocument()
     QCOMPARE(parser.header(), bandTree());
 }
 
-void tst_TFJsonParser::secondDocumentReplacesTables()
+void tst_TFJsonParserConfig::secondDocumentReplacesTables()
 {
     TFJsonParser parser;
     QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
@@ -273,7 +194,7 @@ void tst_TFJsonParser::secondDocumentReplacesTables()
     QVERIFY(parser.dataMaps().isEmpty());
 }
 
-void tst_TFJsonParser::pagingFigures_data()
+void tst_TFJsonParserConfig::pagingFigures_data()
 {
     QTest::addColumn<QJsonObject>("document");
     QTest::addColumn<int>("rowCount");
@@ -291,7 +212,7 @@ void tst_TFJsonParser::pagingFigures_data()
         << 4321 << 3 << 100;
 }
 
-void tst_TFJsonParser::pagingFigures()
+void tst_TFJsonParserConfig::pagingFigures()
 {
     QFETCH(QJsonObject, document);
     QFETCH(int, rowCount);
@@ -305,7 +226,7 @@ void tst_TFJsonParser::pagingFigures()
     QCOMPARE(parser.pageSize(), pageSize);
 }
 
-void tst_TFJsonParser::questionsWithoutViewTable()
+void tst_TFJsonParserConfig::questionsWithoutViewTable()
 {
     TFJsonParser parser;
     QVERIFY(parser.parseConfig(QJsonObject { { "Data", QJsonArray() } }, bandTree()));
@@ -325,7 +246,7 @@ void tst_TFJsonParser::questionsWithoutViewTable()
     QCOMPARE(parser.objectViewName(), QString());
 }
 
-void tst_TFJsonParser::childViewsAnnouncedWhileReading()
+void tst_TFJsonParserConfig::childViewsAnnouncedWhileReading()
 {
     TFJsonParser parser;
     QSignalSpy spy(&parser, &TFJsonParser::signalSubTableJsonData);
@@ -347,18 +268,7 @@ void tst_TFJsonParser::childViewsAnnouncedWhileReading()
     QCOMPARE(spy.count(), 4);
 }
 
-void tst_TFJsonParser::noSectorOrEmptySignals()
-{
-    TFJsonParser parser;
-    QSignalSpy sector(&parser, qOverload<QString>(&TFJsonParser::sigSectorNumChanged));
-    QSignalSpy noData(&parser, &TFJsonParser::sigNoData);
-    QVERIFY(parser.parseConfig(loadDocument("table_view.json"), bandTree()));
-    QVERIFY(parser.parseConfig(QJsonObject { { "Data", QJsonArray() } }, bandTree()));
-    QCOMPARE(sector.count(), 0);
-    QCOMPARE(noData.count(), 0);
-}
-
-void tst_TFJsonParser::tableViewDocument()
+void tst_TFJsonParserConfig::tableViewDocument()
 {
     MessageLog log;
     TFJsonParser parser;
@@ -442,7 +352,7 @@ void tst_TFJsonParser::tableViewDocument()
     QCOMPARE(merged.at(6).statExpression, QString("AVG"));
 }
 
-void tst_TFJsonParser::crossViewDocument()
+void tst_TFJsonParserConfig::crossViewDocument()
 {
     TFJsonParser parser;
     QVERIFY(parser.parseConfig(loadDocument("cross_view.json"), bandTree()));
@@ -469,7 +379,7 @@ void tst_TFJsonParser::crossViewDocument()
     QCOMPARE(summary->headerFieldInfo("2023__NET_PRF").caption, QString("2023年"));
 }
 
-void tst_TFJsonParser::chartViewDocument()
+void tst_TFJsonParserConfig::chartViewDocument()
 {
     TFJsonParser parser;
     QVERIFY(parser.parseConfig(loadDocument("chart_view.json"), bandTree()));
@@ -491,5 +401,5 @@ void tst_TFJsonParser::chartViewDocument()
     QCOMPARE(parser.dataMaps().size(), 2);
 }
 
-QTEST_APPLESS_MAIN(tst_TFJsonParser)
-#include "tst_tfjsonparser.moc"
+QTEST_APPLESS_MAIN(tst_TFJsonParserConfig)
+#include "tst_tfjsonparserconfig.moc"

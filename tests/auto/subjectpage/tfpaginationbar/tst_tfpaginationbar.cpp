@@ -19,7 +19,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void layout();
     void pageCount_data();
     void pageCount();
     void setCurrentPage_data();
@@ -94,28 +93,6 @@ void tst_TFPaginationBar::apply(qint64 total, int page, int size)
     m_bar->setTotalCount(total);
     m_bar->setCurrentPage(page);
     m_bar->setPerCnt(size);
-}
-
-void tst_TFPaginationBar::layout()
-{
-    QCOMPARE(m_bar->size(), QSize(285, 22));
-    for (const char *name : {"headButton", "prevButton", "nextButton", "tailButton"})
-        QCOMPARE(button(name)->maximumSize(), QSize(16, 16));
-    QCOMPARE(field()->text(), QStringLiteral("1"));
-    QCOMPARE(field()->maximumWidth(), 30);
-    QCOMPARE(totalLabel()->text(), QStringLiteral("5"));
-    QCOMPARE(m_bar->findChild<QLabel *>("label_2")->text(), QStringLiteral("/"));
-    QCOMPARE(m_bar->findChild<QLabel *>("lbUnit")->text(), QStringLiteral("条/页"));
-    QVERIFY(m_bar->findChild<QFrame *>("fmLine"));
-    QCOMPARE(combo()->count(), 4);
-    QStringList items;
-    for (int i = 0; i < combo()->count(); ++i)
-        items << combo()->itemText(i);
-    QCOMPARE(items, (QStringList{"200", "400", "500", "1000"}));
-    QCOMPARE(m_bar->perCount(), 200);
-    QCOMPARE(m_bar->totalCount(), 1);
-    // The skin's sheet reaches the bar.
-    QVERIFY(m_bar->styleSheet().contains(QStringLiteral("QPushButton#headButton")));
 }
 
 void tst_TFPaginationBar::pageCount_data()
