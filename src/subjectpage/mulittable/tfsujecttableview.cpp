@@ -23,6 +23,8 @@ namespace {
 const int kCentred = Qt::AlignHCenter | Qt::AlignVCenter; // 132
 const int kDefaultWidth = 104;
 const int kMeasuredWidth = -9;
+// The vertical-grid form's selection policy 2: cells, one by one or in blocks.
+const BandGrid::SelectionPolicy kVerticalGridSelection = BandGrid::SelectionPolicy::MultiCell;
 
 // The two grid line styles the table asks for: 5 for the ordinary table,
 // 1 for the vertical-grid form, which separates its rows only.
@@ -123,8 +125,11 @@ void TFSujectTableView::setModel(TFSubjectTableModel *model, bool rebind)
     applyTheme();
     m_view->options()->setColumnFont(m_view->font());
 
-    connect(m_view, &BandGrid::TableView::focusRowChanged, this,
-            [this](int, int currentRow) { emit clicked(currentRow); });
+    // Only rows of the model reach the owner: no focus at all is no click.
+    connect(m_view, &BandGrid::TableView::focusRowChanged, this, [this](int, int currentRow) {
+        if (currentRow >= 0)
+            emit clicked(currentRow);
+    });
     connect(m_view, &BandGrid::TableView::linkActivated, this, &TFSujectTableView::onLinkActivated);
     if (model) {
         connect(model, &QAbstractItemModel::modelReset, this, &TFSujectTableView::onModelReset,
@@ -348,7 +353,7 @@ void TFSujectTableView::setVGridHeader(const QString &fieldName)
     }
     m_view->options()->setAlternatingRowColors(false);
     m_view->deselectAll();
-    m_view->options()->setSelectionPolicy(BandGrid::SelectionPolicy(2));
+    m_view->options()->setSelectionPolicy(kVerticalGridSelection);
 }
 
 void TFSujectTableView::applyOptions()
@@ -366,6 +371,20 @@ void TFSujectTableView::applyOptions()
     options->setZoomEnabled(false);
     options->setZoomFactor(1.0);
     options->setCellButtonAutoRaise(true);
+
+    // What analysts expect of a data grid beyond that: the row under the
+    // mouse marked, a menu to copy, and the sum of a selection.
+    options->setHoverHighlight(true);
+    options->setContextMenuEnabled(true);
+    BandGrid::GridTexts texts;
+    texts.copy = QStringLiteral("复制");
+    texts.copyWithCaptions = QStringLiteral("复制(含列标题)");
+    texts.selectAll = QStringLiteral("全选");
+    texts.count = QStringLiteral("计数");
+    texts.sum = QStringLiteral("求和");
+    texts.average = QStringLiteral("平均值");
+    options->setTexts(texts);
+    m_grid->setStatusLineVisible(true);
 }
 
 void TFSujectTableView::applyTheme()
@@ -380,14 +399,23 @@ void TFSujectTableView::applyTheme()
     theme.groupText = current.groupText;
     theme.groupBase = current.groupBase;
     theme.groupLine = current.groupLine;
-    // The selection follows the host's colours; the base stays the grid's.
-    const QColor selection = TFGlobalCss::getTipsColorByIndex(1);
-    const QColor selectionText = TFGlobalCss::getTipsColorByIndex(2);
-    if (selection.isValid())
-        theme.highlight = selection;
-    if (selectionText.isValid())
-        theme.highlightedText = selectionText;
+    // The hovered row takes the skin's highlight, which the model hands out.
+    if (m_model) {
+        const QColor hover = m_model->data(QModelIndex(), TFSubjectTableModel::HoverColorRole).value<QColor>();
+        if (hover.isValid())
+            theme.hover = hover;
+    }
     m_grid->setTheme(theme);
+
+    // Link cells follow the host's link colours, through the view's palette.
+    QPalette palette = m_view->palette();
+    const QColor link = TFGlobalCss::getTipsColorByIndex(1);
+    const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
+    if (link.isValid())
+        palette.setColor(QPalette::All, QPalette::Link, link);
+    if (visited.isValid())
+        palette.setColor(QPalette::All, QPalette::LinkVisited, visited);
+    m_view->setPalette(palette);
 
     applyGridFont();
     m_view->options()->setZoomFactor(1.0);
