@@ -3,10 +3,12 @@
 #include "mulittable/tfsujecttableview.h"
 
 #include "bandgrid.h"
+#include "tfcore/tfcore.h"
 #include "tfcore/tfglobalcss.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QSignalSpy>
 #include <QToolButton>
@@ -370,14 +372,25 @@ void tst_TFSujectTableView::cellAlignment()
 
 void tst_TFSujectTableView::linkColours()
 {
+    // A skin of its own, whose link colours are none of the grid's.
+    QTemporaryDir skins;
+    QVERIFY(QDir().mkpath(skins.filePath("white")));
+    QFile ini(skins.filePath("white/skin.ini"));
+    QVERIFY(ini.open(QIODevice::WriteOnly));
+    ini.write("[Colors]\nlink=#aa0011\nlinkVisited=#11aa00\n");
+    ini.close();
+    TFCore::instance()->setSkinsRoot(skins.path());
+    const auto restore = qScopeGuard([] { TFCore::instance()->setSkinsRoot(QString()); });
+    QVERIFY(TFCore::instance()->setCurrentSkin(QStringLiteral("white")));
+    const QColor link = TFGlobalCss::getTipsColorByIndex(1);
+    const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
+    QCOMPARE(link, QColor("#aa0011"));
+
     auto *root = new TFTreeStruct(QString());
     root->addChild(node(field("A")));
     root->addChild(node(field("L", "0", "HyperLinkEdit")));
     Fixture f(root);
     BandGrid::TableView *view = f.view.view();
-    const QColor link = TFGlobalCss::getTipsColorByIndex(1);
-    const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
-    QVERIFY(link.isValid() && visited.isValid() && link != visited);
     QCOMPARE(view->palette().color(QPalette::Link), link);
     QCOMPARE(view->palette().color(QPalette::LinkVisited), visited);
     QCOMPARE(cellOption(view, 1, 1).palette.color(QPalette::Text), link);
