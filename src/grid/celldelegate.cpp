@@ -183,7 +183,7 @@ bool CellDelegate::initCellOption(QStyleOptionViewItem *option, const QModelInde
         font.setUnderline(true);
     option->font = font;
 
-    QColor color = option->palette.color(QPalette::Text);
+    QColor color = theme.text;
     if (link) {
         color = option->palette.color(m_owner->isLinkVisited(linkText.anchor) ? QPalette::LinkVisited
                                                                               : QPalette::Link);

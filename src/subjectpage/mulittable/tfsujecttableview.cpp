@@ -38,6 +38,60 @@ void setGridLineStyle(BandGrid::GridOptions *options, int style)
 
 } // namespace
 
+// A style sheet that styles tables gives each a palette of its own when it
+// polishes it, and that palette drops the roles set before. This puts the
+// link colours back on the tables it watches whenever their palette changes.
+class TFLinkColours : public QObject
+{
+public:
+    explicit TFLinkColours(QObject *parent) : QObject(parent) {}
+
+    void setColours(const QColor &link, const QColor &visited)
+    {
+        m_link = link;
+        m_visited = visited;
+        for (QWidget *view : qAsConst(m_views)) {
+            if (view)
+                apply(view);
+        }
+    }
+
+    void watch(QWidget *view)
+    {
+        m_views.append(view);
+        view->installEventFilter(this);
+        apply(view);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::Polish)
+            apply(static_cast<QWidget *>(watched));
+        return false;
+    }
+
+private:
+    void apply(QWidget *view) const
+    {
+        QPalette palette = view->palette();
+        bool changed = false;
+        if (m_link.isValid() && palette.color(QPalette::Link) != m_link) {
+            palette.setColor(QPalette::All, QPalette::Link, m_link);
+            changed = true;
+        }
+        if (m_visited.isValid() && palette.color(QPalette::LinkVisited) != m_visited) {
+            palette.setColor(QPalette::All, QPalette::LinkVisited, m_visited);
+            changed = true;
+        }
+        if (changed)
+            view->setPalette(palette);
+    }
+
+    QColor m_link;
+    QColor m_visited;
+    QList<QPointer<QWidget>> m_views;
+};
+
 // EditorLinkEventArgs
 
 EditorLinkEventArgs::EditorLinkEventArgs(BandGrid::Column *column, int row, const QString &anchor)
@@ -106,6 +160,10 @@ void TFSujectTableView::setModel(TFSubjectTableModel *model, bool rebind)
 
     m_grid->setViewType(m_depth < 3 ? BandGrid::ViewType::Table : BandGrid::ViewType::BandedTable);
     m_view = m_grid->view();
+    delete m_linkColours;
+    m_linkColours = new TFLinkColours(m_view);
+    m_linkColours->watch(m_view);
+    m_linkColours->watch(m_view->frozenView());
 
     if (m_depth > 2)
         createBands();
@@ -408,14 +466,8 @@ void TFSujectTableView::applyTheme()
     m_grid->setTheme(theme);
 
     // Link cells follow the host's link colours, through the view's palette.
-    QPalette palette = m_view->palette();
-    const QColor link = TFGlobalCss::getTipsColorByIndex(1);
-    const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
-    if (link.isValid())
-        palette.setColor(QPalette::All, QPalette::Link, link);
-    if (visited.isValid())
-        palette.setColor(QPalette::All, QPalette::LinkVisited, visited);
-    m_view->setPalette(palette);
+    if (m_linkColours)
+        m_linkColours->setColours(TFGlobalCss::getTipsColorByIndex(1), TFGlobalCss::getTipsColorByIndex(2));
 
     applyGridFont();
     m_view->options()->setZoomFactor(1.0);

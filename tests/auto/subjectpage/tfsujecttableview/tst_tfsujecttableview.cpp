@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QtTest>
 
@@ -137,6 +138,7 @@ private slots:
     void cellAlignment_data();
     void cellAlignment();
     void linkColours();
+    void linkColoursUnderAStyleSheet();
     void groupRowClickIsNoRowClick();
     void statusLineSumsSortValues();
     void substituteLink_data();
@@ -399,6 +401,33 @@ void tst_TFSujectTableView::linkColours()
     QCOMPARE(cellOption(view, 2, 1).palette.color(QPalette::Text), link);
     // The selection keeps the grid's own colours.
     QCOMPARE(view->theme().highlight, BandGrid::GridTheme::light().highlight);
+}
+
+void tst_TFSujectTableView::linkColoursUnderAStyleSheet()
+{
+    // As on the page: the grid goes into a holder under the skin's style
+    // sheet before its model is set, and the sheet styles every table.
+    QWidget page;
+    page.setStyleSheet(QStringLiteral("QWidget { color: #1f2a37; } QTableView { background-color: #ffffff;"
+                                      " selection-background-color: #cfe3f7; selection-color: #102030; }"));
+    auto *layout = new QVBoxLayout(&page);
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("A")));
+    root->addChild(node(field("L", "0", "HyperLinkEdit")));
+    std::unique_ptr<TFTreeStruct> header(root);
+    TFSubjectTableModel model;
+    model.setHeader(header.get());
+    model.setRows({rowOf(header->leaves(), 0), rowOf(header->leaves(), 1)});
+    auto *grid = new TFSujectTableView;
+    layout->addWidget(grid);
+    grid->setModel(&model);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    page.setStyleSheet(page.styleSheet() + QStringLiteral(" QHeaderView { color: #1f2a37; }"));
+    QCoreApplication::processEvents();
+    for (QTableView *view : {static_cast<QTableView *>(grid->view()), grid->view()->frozenView()})
+        QCOMPARE(view->palette().color(QPalette::Link), TFGlobalCss::getTipsColorByIndex(1));
+    QCOMPARE(cellOption(grid->view(), 0, 1).palette.color(QPalette::Text), TFGlobalCss::getTipsColorByIndex(1));
 }
 
 void tst_TFSujectTableView::groupRowClickIsNoRowClick()
