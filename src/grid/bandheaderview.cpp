@@ -165,7 +165,7 @@ void BandHeaderView::paintEvent(QPaintEvent *event)
         last = count() - 1;
     for (int visual = first; visual <= last; ++visual) {
         const int logical = logicalIndex(visual);
-        if (logical < 0 || isSectionHidden(logical))
+        if (logical < 0 || isSectionHidden(logical) || coveredByOverlay(logical))
             continue;
         const Column *column = m_owner->column(logical);
         Qt::Alignment alignment = column && column->textAlignment() ? column->textAlignment()

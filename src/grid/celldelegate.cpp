@@ -218,6 +218,11 @@ bool CellDelegate::initCellOption(QStyleOptionViewItem *option, const QModelInde
 void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
 {
+    // Under the frozen overlay the table's own cells are never seen; the
+    // overlay paints them.
+    if (option.widget == m_owner && m_owner->isColumnFrozen(index.column())
+        && !m_owner->frozenView()->isHidden())
+        return;
     QStyleOptionViewItem cell = option;
     const bool group = initCellOption(&cell, index);
     const GridTheme &theme = m_owner->theme();
