@@ -141,6 +141,12 @@ void tst_FrozenColumnsView::anySetOfColumnsFreezes()
         QCOMPARE(overlay->horizontalHeader()->sectionViewportPosition(c), i * kWidth);
         QCOMPARE(m_view->cellRect(row, c).top(), scrolling.top());
     }
+    // What shows there is the frozen cell, whatever scrolled beneath it.
+    m_model->item(row, frozen.last())->setBackground(QColor(Qt::red));
+    const QRect last = m_view->cellRect(row, frozen.last());
+    const QPoint probe = m_view->viewportOf(frozen.last())->mapTo(m_view, last.topRight() + QPoint(-3, 3));
+    QCOMPARE(m_view->grab().toImage().pixelColor(probe), QColor(Qt::red));
+
     // The rest scrolls under the overlay from its edge.
     QCOMPARE(scrolling.left(), frozen.size() * kWidth - scrolled);
     QCOMPARE(m_view->horizontalHeader()->sectionViewportPosition(firstScrolling), scrolling.left());
