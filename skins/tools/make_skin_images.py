@@ -50,6 +50,7 @@ SHEET_COLORS = {
         "hover": "#e8f1fc", "input": "#ffffff", "tabInactive": "#eef2f7", "alternate": "#f8fafc",
         "scrollHandle": "#c3cad4", "buttonBackground": "#f5f7fa", "tips": "#fff8dc",
         "highlight": "#fff2c6", "chrome": "#263445", "chromeText": "#dfe6ee",
+        "link": "#0060e3", "linkVisited": "#6a3fb5",
     },
     "black": {
         "background": "#11151b", "panel": "#161b22", "header": "#1c222b", "border": "#2a323d",
@@ -58,6 +59,7 @@ SHEET_COLORS = {
         "hover": "#1e2630", "input": "#0d1117", "tabInactive": "#161b22", "alternate": "#141920",
         "scrollHandle": "#3a434f", "buttonBackground": "#1c222b", "tips": "#2b3038",
         "highlight": "#4a3a12", "chrome": "#0b0e12", "chromeText": "#aeb7c2",
+        "link": "#4da3ff", "linkVisited": "#b18cff",
     },
 }
 

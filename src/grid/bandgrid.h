@@ -8,4 +8,5 @@
 #include "gridcolumn.h"
 #include "gridoptions.h"
 #include "gridtheme.h"
+#include "statusline.h"
 #include "tableview.h"

@@ -54,7 +54,7 @@ QRect BandHeaderView::bandRect(int bandIndex) const
     int left = INT_MAX;
     int right = INT_MIN;
     for (int logical = 0; logical < count(); ++logical) {
-        if (isSectionHidden(logical))
+        if (isSectionHidden(logical) || coveredByOverlay(logical))
             continue;
         const Column *column = m_owner->column(logical);
         const Band *parent = column ? column->parentBand() : nullptr;
@@ -68,6 +68,14 @@ QRect BandHeaderView::bandRect(int bandIndex) const
         return QRect();
     const int rowHeight = captionRowHeight();
     return QRect(left, band->level() * rowHeight, right - left, rowHeight);
+}
+
+bool BandHeaderView::coveredByOverlay(int logical) const
+{
+    // The table's own header has its frozen sections under the overlay,
+    // whose header shows their bands; a band here spans only what scrolls.
+    return m_owner->bandHeader() == this && m_owner->isColumnFrozen(logical)
+        && !m_owner->frozenView()->isHidden();
 }
 
 QRect BandHeaderView::sectionRect(int logical) const
@@ -157,7 +165,7 @@ void BandHeaderView::paintEvent(QPaintEvent *event)
         last = count() - 1;
     for (int visual = first; visual <= last; ++visual) {
         const int logical = logicalIndex(visual);
-        if (logical < 0 || isSectionHidden(logical))
+        if (logical < 0 || isSectionHidden(logical) || coveredByOverlay(logical))
             continue;
         const Column *column = m_owner->column(logical);
         Qt::Alignment alignment = column && column->textAlignment() ? column->textAlignment()

@@ -49,6 +49,7 @@ private:
     void paintCaption(QPainter &painter, const QRect &rect, const QString &text,
                       Qt::Alignment alignment, int sortArrow) const;
     QString columnCaption(int logicalIndex) const;
+    bool coveredByOverlay(int logicalIndex) const;
 
     TableView *m_owner;
     bool m_pressedOnBand = false;

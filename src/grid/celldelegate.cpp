@@ -50,12 +50,14 @@ QString CellDelegate::shownText(const QModelIndex &index) const
 
 Qt::Alignment CellDelegate::alignmentOf(const QModelIndex &index) const
 {
-    const Column *column = m_owner->column(index.column());
-    if (column && column->textAlignment())
-        return column->textAlignment();
+    // The model knows its cells (numbers right, texts left, a configured
+    // alignment); the column's alignment stands in where it says nothing.
     const QVariant fromModel = index.data(Qt::TextAlignmentRole);
     if (fromModel.isValid())
         return Qt::Alignment(fromModel.toInt());
+    const Column *column = m_owner->column(index.column());
+    if (column && column->textAlignment())
+        return column->textAlignment();
     return Qt::AlignLeft | Qt::AlignVCenter;
 }
 
@@ -113,18 +115,6 @@ void CellDelegate::paintGridLines(QPainter *painter, const QRect &rect) const
         painter->drawLine(rect.topRight(), rect.bottomRight());
 }
 
-void CellDelegate::paintGroupCell(QPainter *painter, const QStyleOptionViewItem &option) const
-{
-    // Only the background: the caption runs across all cells of the row and
-    // is painted by the view afterwards.
-    const GridTheme &theme = m_owner->theme();
-    const QRect rect = option.rect;
-    const bool selected = option.state & QStyle::State_Selected;
-    painter->fillRect(rect, selected ? theme.highlight : theme.groupBase);
-    painter->setPen(theme.groupLine);
-    painter->drawLine(rect.bottomLeft(), rect.bottomRight());
-}
-
 void CellDelegate::paintGroupCaption(QPainter *painter, const QRect &row, const QModelIndex &index,
                                      bool selected) const
 {
@@ -158,54 +148,101 @@ void CellDelegate::paintGroupCaption(QPainter *painter, const QRect &row, const 
                       QFontMetrics(font).elidedText(text, Qt::ElideRight, textArea.width()));
 }
 
-void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
-                         const QModelIndex &index) const
+void CellDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
-    if (index.data(GroupRowRole).toBool()) {
-        paintGroupCell(painter, option);
-        return;
-    }
-    const GridTheme &theme = m_owner->theme();
-    const GridOptions *options = m_owner->options();
-    const QRect rect = option.rect;
-    const bool selected = option.state & QStyle::State_Selected;
+    initCellOption(option, index);
+}
 
-    if (selected) {
-        painter->fillRect(rect, theme.highlight);
-    } else {
-        const QVariant background = index.data(Qt::BackgroundRole);
-        if (background.canConvert<QBrush>() && background.value<QBrush>().style() != Qt::NoBrush)
-            painter->fillRect(rect, background.value<QBrush>());
-        else if ((option.features & QStyleOptionViewItem::Alternate) && options->alternatingRowColors())
-            painter->fillRect(rect, theme.alternateBase);
+bool CellDelegate::initCellOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    const GridTheme &theme = m_owner->theme();
+    const bool selected = option->state & QStyle::State_Selected;
+    option->index = index;
+    if (index.data(GroupRowRole).toBool()) {
+        // Only the background: the caption runs across all cells of the row
+        // and is painted by the view afterwards.
+        option->text.clear();
+        option->features &= ~QStyleOptionViewItem::HasDisplay;
+        option->backgroundBrush = selected ? theme.highlight : theme.groupBase;
+        return true;
     }
-    paintGridLines(painter, rect);
 
     const Column *column = m_owner->column(index.column());
     const bool link = column && column->editorKind() == EditorKind::Link;
+    const QString raw = index.data(Qt::DisplayRole).toString();
+    const LinkText linkText = link ? LinkText::parse(raw) : LinkText{raw, QString()};
+    option->text = linkText.shown;
+    option->features |= QStyleOptionViewItem::HasDisplay;
+    option->displayAlignment = alignmentOf(index);
+
     QFont font = m_owner->cellFont();
     const QVariant modelFont = index.data(Qt::FontRole);
     if (modelFont.isValid())
         font = modelFont.value<QFont>();
+    if (link)
+        font.setUnderline(true);
+    option->font = font;
+
     QColor color = theme.text;
     if (link) {
-        font.setUnderline(true);
-        color = theme.link;
+        color = option->palette.color(m_owner->isLinkVisited(linkText.anchor) ? QPalette::LinkVisited
+                                                                              : QPalette::Link);
+    } else if (selected) {
+        color = theme.highlightedText;
     } else {
         const QVariant foreground = index.data(Qt::ForegroundRole);
         if (foreground.isValid())
             color = foreground.canConvert<QColor>() ? foreground.value<QColor>()
                                                     : foreground.value<QBrush>().color();
     }
-    if (selected && !link)
-        color = theme.highlightedText;
+    if (option->palette.color(QPalette::Text) != color)
+        option->palette.setColor(QPalette::Text, color);
 
+    QBrush background;
+    if (selected) {
+        background = theme.highlight;
+    } else if (m_owner->options()->hoverHighlight() && index.row() == m_owner->hoveredRow()) {
+        background = theme.hover;
+    } else {
+        const QVariant brush = index.data(Qt::BackgroundRole);
+        if (brush.canConvert<QBrush>() && brush.value<QBrush>().style() != Qt::NoBrush)
+            background = brush.value<QBrush>();
+        else if ((option->features & QStyleOptionViewItem::Alternate)
+                 && m_owner->options()->alternatingRowColors())
+            background = theme.alternateBase;
+    }
+    option->backgroundBrush = background;
+    return false;
+}
+
+void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) const
+{
+    // Under the frozen overlay the table's own cells are never seen; the
+    // overlay paints them.
+    if (option.widget == m_owner && m_owner->isColumnFrozen(index.column())
+        && !m_owner->frozenView()->isHidden())
+        return;
+    QStyleOptionViewItem cell = option;
+    const bool group = initCellOption(&cell, index);
+    const GridTheme &theme = m_owner->theme();
+    const GridOptions *options = m_owner->options();
+    const QRect rect = cell.rect;
+    if (cell.backgroundBrush.style() != Qt::NoBrush)
+        painter->fillRect(rect, cell.backgroundBrush);
+    if (group) {
+        painter->setPen(theme.groupLine);
+        painter->drawLine(rect.bottomLeft(), rect.bottomRight());
+        return;
+    }
+    paintGridLines(painter, rect);
+
+    const Column *column = m_owner->column(index.column());
     const QRect area = textRect(rect, index);
-    painter->setFont(font);
-    painter->setPen(color);
-    const QString text = shownText(index);
-    painter->drawText(area, int(alignmentOf(index)),
-                      painter->fontMetrics().elidedText(text, Qt::ElideRight, area.width()));
+    painter->setFont(cell.font);
+    painter->setPen(cell.palette.color(QPalette::Text));
+    painter->drawText(area, int(cell.displayAlignment),
+                      painter->fontMetrics().elidedText(cell.text, Qt::ElideRight, area.width()));
 
     if ((option.state & QStyle::State_HasFocus)
         && m_owner->selectionBehavior() == QAbstractItemView::SelectItems) {

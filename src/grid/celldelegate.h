@@ -19,7 +19,9 @@ struct BANDGRID_EXPORT LinkText
 
 // Paints every cell of a table view, and its group rows: text, links,
 // cell buttons and grid lines, straight onto the painter without going
-// through the style, so that a screen of cells stays cheap.
+// through the style, so that a screen of cells stays cheap. What a cell is
+// painted with (text, alignment, font, text colour, background) is decided
+// once, in initStyleOption, and paint draws exactly that.
 class BANDGRID_EXPORT CellDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -36,6 +38,13 @@ public:
 
     // The text a cell shows, as painting and copying see it.
     QString shownText(const QModelIndex &index) const;
+
+    // Fills in what the cell is painted with: the shown text; the model's
+    // alignment, or the column's where the model gives none; the font; the
+    // text colour in the palette's Text role (links in Link, or LinkVisited
+    // once followed); the background (selection, hovered row, the model's
+    // brush, alternate rows). Public, so that what a cell shows can be read.
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 
     // Hit areas within a cell's rectangle.
     QRect buttonRect(const QRect &cell, int button) const;
@@ -55,7 +64,8 @@ protected:
                      const QModelIndex &index) override;
 
 private:
-    void paintGroupCell(QPainter *painter, const QStyleOptionViewItem &option) const;
+    // initStyleOption's work; true for a group row.
+    bool initCellOption(QStyleOptionViewItem *option, const QModelIndex &index) const;
     void paintGridLines(QPainter *painter, const QRect &rect) const;
     Qt::Alignment alignmentOf(const QModelIndex &index) const;
     QRect textRect(const QRect &cell, const QModelIndex &index) const;

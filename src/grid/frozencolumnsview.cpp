@@ -66,6 +66,7 @@ void FrozenColumnsView::mouseMoveEvent(QMouseEvent *event)
 {
     QTableView::mouseMoveEvent(event);
     m_owner->updateHoverCursor(this, event->pos());
+    m_owner->setHoveredRow(rowAt(event->pos().y()));
 }
 
 void FrozenColumnsView::wheelEvent(QWheelEvent *event)
@@ -76,6 +77,18 @@ void FrozenColumnsView::wheelEvent(QWheelEvent *event)
 void FrozenColumnsView::keyPressEvent(QKeyEvent *event)
 {
     QApplication::sendEvent(m_owner, event);
+}
+
+void FrozenColumnsView::contextMenuEvent(QContextMenuEvent *event)
+{
+    QApplication::sendEvent(m_owner->viewport(), event);
+}
+
+bool FrozenColumnsView::viewportEvent(QEvent *event)
+{
+    if (event->type() == QEvent::Leave)
+        m_owner->setHoveredRow(-1);
+    return QTableView::viewportEvent(event);
 }
 
 } // namespace BandGrid

@@ -8,10 +8,13 @@
 namespace BandGrid {
 
 class BandedTableView;
+class StatusLine;
 class TableView;
 
-// The grid control: a widget that holds one root view, plain or banded.
-// Changing the view type makes a new root view; the theme carries over.
+// The grid control: a widget that holds one root view, plain or banded, and
+// under it a status line of the selection, hidden until asked for.
+// Changing the view type makes a new root view; the theme and the status
+// line carry over.
 class BANDGRID_EXPORT Grid : public QWidget
 {
     Q_OBJECT
@@ -29,12 +32,17 @@ public:
     GridTheme theme() const { return m_theme; }
     void setTheme(const GridTheme &theme);
 
+    StatusLine *statusLine() const { return m_status; }
+    bool isStatusLineVisible() const;
+    void setStatusLineVisible(bool visible);
+
 signals:
     void viewChanged(BandGrid::TableView *view);
 
 private:
     ViewType m_type = ViewType::Table;
     TableView *m_view = nullptr;
+    StatusLine *m_status = nullptr;
     GridTheme m_theme = GridTheme::light();
 };
 

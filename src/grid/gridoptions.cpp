@@ -28,6 +28,9 @@ void GridOptions::setRubberBandSelection(bool on) { assign(m_rubberBand, on); }
 void GridOptions::setSelectionPolicy(SelectionPolicy policy) { assign(m_selectionPolicy, policy); }
 void GridOptions::setZoomEnabled(bool enabled) { assign(m_zoomEnabled, enabled); }
 void GridOptions::setCellButtonAutoRaise(bool on) { assign(m_buttonAutoRaise, on); }
+void GridOptions::setHoverHighlight(bool on) { assign(m_hoverHighlight, on); }
+void GridOptions::setContextMenuEnabled(bool enabled) { assign(m_contextMenu, enabled); }
+void GridOptions::setTexts(const GridTexts &texts) { assign(m_texts, texts); }
 
 void GridOptions::setGridLines(GridLines lines, GridLineStyle style)
 {

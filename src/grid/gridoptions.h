@@ -4,8 +4,31 @@
 
 #include <QFont>
 #include <QObject>
+#include <QString>
 
 namespace BandGrid {
+
+// The texts the grid shows of its own: the context menu's entries and the
+// status line's labels. English until the user gives others.
+struct BANDGRID_EXPORT GridTexts
+{
+    QString copy = QStringLiteral("Copy");
+    QString copyWithCaptions = QStringLiteral("Copy with captions");
+    QString selectAll = QStringLiteral("Select all");
+    QString count = QStringLiteral("Count");
+    QString sum = QStringLiteral("Sum");
+    QString average = QStringLiteral("Average");
+    // Between the band captions and the column caption of a copied header.
+    QString captionSeparator = QStringLiteral(" / ");
+
+    bool operator==(const GridTexts &o) const
+    {
+        return copy == o.copy && copyWithCaptions == o.copyWithCaptions && selectAll == o.selectAll
+            && count == o.count && sum == o.sum && average == o.average
+            && captionSeparator == o.captionSeparator;
+    }
+    bool operator!=(const GridTexts &o) const { return !(*this == o); }
+};
 
 // The switches of a table view. Every setter that changes something emits
 // changed(), and the view applies the whole set again.
@@ -58,6 +81,17 @@ public:
     bool hasColumnFont() const { return m_hasColumnFont; }
     void setColumnFont(const QFont &font);
 
+    // The row under the mouse is painted in the theme's hover colour.
+    bool hoverHighlight() const { return m_hoverHighlight; }
+    void setHoverHighlight(bool on);
+
+    // A right click on a cell opens a menu: copy, copy with captions, select all.
+    bool isContextMenuEnabled() const { return m_contextMenu; }
+    void setContextMenuEnabled(bool enabled);
+
+    GridTexts texts() const { return m_texts; }
+    void setTexts(const GridTexts &texts);
+
 signals:
     void changed();
 
@@ -79,6 +113,9 @@ private:
     bool m_buttonAutoRaise = true;
     QFont m_columnFont;
     bool m_hasColumnFont = false;
+    bool m_hoverHighlight = false;
+    bool m_contextMenu = false;
+    GridTexts m_texts;
 };
 
 } // namespace BandGrid

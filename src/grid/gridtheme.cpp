@@ -15,6 +15,8 @@ GridTheme GridTheme::light()
     t.highlight = QColor(0xcc, 0xe0, 0xfa);
     t.highlightedText = QColor(0x10, 0x10, 0x10);
     t.link = QColor(0x00, 0x60, 0xe3);
+    t.linkVisited = QColor(0x6a, 0x3f, 0xb5);
+    t.hover = QColor(0xea, 0xf2, 0xfd);
     t.groupBase = QColor(0xf0, 0xf0, 0xf0);
     t.groupText = QColor(0x00, 0x60, 0xe3);
     t.groupLine = QColor(0xcc, 0xcc, 0xcc);
@@ -37,6 +39,8 @@ GridTheme GridTheme::dark()
     t.highlight = QColor(0x1f, 0x3f, 0x6b);
     t.highlightedText = QColor(0xff, 0xff, 0xff);
     t.link = QColor(0x4d, 0xa3, 0xff);
+    t.linkVisited = QColor(0xb1, 0x8c, 0xff);
+    t.hover = QColor(0x24, 0x2c, 0x38);
     t.groupBase = QColor(0x26, 0x2c, 0x35);
     t.groupText = QColor(0xe8, 0xb3, 0x39);
     t.groupLine = QColor(0x3a, 0x42, 0x4e);
@@ -59,6 +63,7 @@ QPalette GridTheme::palette(const QPalette &from) const
     p.setColor(QPalette::Highlight, highlight);
     p.setColor(QPalette::HighlightedText, highlightedText);
     p.setColor(QPalette::Link, link);
+    p.setColor(QPalette::LinkVisited, linkVisited);
     p.setColor(QPalette::Mid, gridLine);
     return p;
 }
@@ -68,7 +73,8 @@ bool GridTheme::operator==(const GridTheme &o) const
     return base == o.base && alternateBase == o.alternateBase && text == o.text
         && gridLine == o.gridLine && headerBase == o.headerBase && headerText == o.headerText
         && headerLine == o.headerLine && highlight == o.highlight
-        && highlightedText == o.highlightedText && link == o.link && groupBase == o.groupBase
+        && highlightedText == o.highlightedText && link == o.link && linkVisited == o.linkVisited
+        && hover == o.hover && groupBase == o.groupBase
         && groupText == o.groupText && groupLine == o.groupLine && frozenEdge == o.frozenEdge
         && buttonBase == o.buttonBase && buttonText == o.buttonText;
 }

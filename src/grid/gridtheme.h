@@ -21,6 +21,9 @@ struct BANDGRID_EXPORT GridTheme
     QColor highlight;
     QColor highlightedText;
     QColor link;
+    QColor linkVisited;
+    // The row under the mouse, when the view highlights it.
+    QColor hover;
     QColor groupBase;
     QColor groupText;
     QColor groupLine;
@@ -32,7 +35,9 @@ struct BANDGRID_EXPORT GridTheme
     static GridTheme dark();
 
     // A widget palette that agrees with the theme, for scroll bars, frames
-    // and anything the grid does not paint itself.
+    // and anything the grid does not paint itself. Link cells take their
+    // colours from its Link and LinkVisited roles, so that a user may set
+    // those on the view's palette alone.
     QPalette palette(const QPalette &from = QPalette()) const;
 
     bool operator==(const GridTheme &other) const;

@@ -12,6 +12,9 @@
 #include <QClipboard>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QSet>
 #include <QPainter>
 #include <QPointer>
 #include <QRubberBand>
@@ -40,8 +43,10 @@ public:
     void onSectionResized(int logical, int newSize);
     void onCurrentRowChanged(const QModelIndex &current);
     bool hiddenByBand(const Column *column) const;
+    bool isFrozen(int column) const;
     int frozenCount() const;
-    void warnOfStrayFrozenColumn();
+    void applyFrozenOrder();
+    void updateHoveredRows(int previous, int current);
     QModelIndex toSource(const QModelIndex &viewIndex) const;
 
     TableView *q;
@@ -59,7 +64,8 @@ public:
     QRubberBand *rubberBand = nullptr;
     QPoint rubberOrigin;
     int lastFocusRow = -1;
-    int lastStrayFrozen = -1;
+    int hoverRow = -1;
+    QSet<QString> visitedLinks;
     int applying = 0;
 };
 
@@ -83,38 +89,67 @@ bool TableViewPrivate::hiddenByBand(const Column *column) const
     return false;
 }
 
+bool TableViewPrivate::isFrozen(int column) const
+{
+    return column >= 0 && column < columns.size() && columns.at(column)->fixedKind() == FixedKind::Left;
+}
+
 int TableViewPrivate::frozenCount() const
 {
     int count = 0;
-    while (count < columns.size() && columns.at(count)->fixedKind() == FixedKind::Left)
-        ++count;
+    for (const Column *column : columns)
+        count += column->fixedKind() == FixedKind::Left ? 1 : 0;
     return count;
 }
 
-void TableViewPrivate::warnOfStrayFrozenColumn()
+void TableViewPrivate::applyFrozenOrder()
 {
-    int stray = -1;
-    for (int c = frozenCount(); c < columns.size() && stray < 0; ++c) {
-        if (columns.at(c)->fixedKind() == FixedKind::Left)
-            stray = c;
+    // Frozen columns come first on screen, in the model's order, then the
+    // others, also in the model's order: the overlay then shows one run at
+    // the left edge, and the table scrolls the rest beneath it.
+    QVector<int> order;
+    order.reserve(columns.size());
+    for (int c = 0; c < columns.size(); ++c) {
+        if (isFrozen(c))
+            order.append(c);
     }
-    if (stray >= 0 && stray != lastStrayFrozen)
-        qWarning() << "only leading columns can be frozen; column" << stray << "scrolls";
-    lastStrayFrozen = stray;
+    for (int c = 0; c < columns.size(); ++c) {
+        if (!isFrozen(c))
+            order.append(c);
+    }
+    for (QHeaderView *header : {static_cast<QHeaderView *>(this->header),
+                                static_cast<QHeaderView *>(frozen->bandHeader())}) {
+        if (header->count() != order.size())
+            continue;
+        for (int visual = 0; visual < order.size(); ++visual) {
+            if (header->logicalIndex(visual) != order.at(visual))
+                header->moveSection(header->visualIndex(order.at(visual)), visual);
+        }
+    }
+}
+
+void TableViewPrivate::updateHoveredRows(int previous, int current)
+{
+    for (QTableView *view : {static_cast<QTableView *>(q), static_cast<QTableView *>(frozen)}) {
+        QWidget *port = view->viewport();
+        for (int row : {previous, current}) {
+            if (row >= 0)
+                port->update(QRect(0, view->rowViewportPosition(row), port->width(), view->rowHeight(row)));
+        }
+    }
 }
 
 void TableViewPrivate::applyColumnState()
 {
     ++applying;
-    warnOfStrayFrozenColumn();
-    const int frozenColumns = frozenCount();
+    applyFrozenOrder();
     const int grouped = groups->groupColumn();
     for (int c = 0; c < columns.size(); ++c) {
         const Column *column = columns.at(c);
         const bool hidden = !column->isVisible() || hiddenByBand(column)
             || (c == grouped && options->isColumnHidingOnGroupingEnabled());
         q->setColumnHidden(c, hidden);
-        frozen->setColumnHidden(c, hidden || c >= frozenColumns);
+        frozen->setColumnHidden(c, hidden || !isFrozen(c));
         if (!hidden) {
             q->setColumnWidth(c, column->width());
             frozen->setColumnWidth(c, column->width());
@@ -234,6 +269,7 @@ void TableViewPrivate::onModelReset()
 {
     ensureColumns();
     lastFocusRow = -1;
+    hoverRow = -1;
     applyColumnState();
 }
 
@@ -269,6 +305,10 @@ void TableViewPrivate::onSectionResized(int logical, int newSize)
 
 void TableViewPrivate::onCurrentRowChanged(const QModelIndex &current)
 {
+    // A group row is no row of the user's model: the focus stays, for the
+    // user's purposes, on the data row it last had.
+    if (current.isValid() && groups->isGroupRow(current.row()))
+        return;
     const int row = current.isValid() ? q->sourceRow(current.row()) : -1;
     if (row == lastFocusRow)
         return;
@@ -427,8 +467,8 @@ void TableView::setTheme(const GridTheme &theme)
 {
     d->theme = theme;
     const QPalette palette = theme.palette(QTableView::palette());
+    // The frozen overlay inherits it, and any role a user sets on the view later.
     setPalette(palette);
-    d->frozen->setPalette(palette);
     // Slim scroll bars in the header's colours, as a terminal's tables have.
     const QString sheet = QStringLiteral(
         "QScrollBar:vertical { background: %1; width: 11px; margin: 0; border: none; }"
@@ -491,12 +531,16 @@ int TableView::frozenColumnCount() const
     return d->frozenCount();
 }
 
+bool TableView::isColumnFrozen(int column) const
+{
+    return d->isFrozen(column);
+}
+
 int TableView::frozenWidth() const
 {
-    const int count = d->frozenCount();
     int width = 0;
-    for (int c = 0; c < count; ++c) {
-        if (!isColumnHidden(c))
+    for (int c = 0; c < d->columns.size(); ++c) {
+        if (d->isFrozen(c) && !isColumnHidden(c))
             width += columnWidth(c);
     }
     return width;
@@ -504,8 +548,7 @@ int TableView::frozenWidth() const
 
 QWidget *TableView::viewportOf(int column) const
 {
-    return column >= 0 && column < d->frozenCount() && d->frozen->isVisible() ? d->frozen->viewport()
-                                                                              : viewport();
+    return d->isFrozen(column) && d->frozen->isVisible() ? d->frozen->viewport() : viewport();
 }
 
 QRect TableView::cellRect(int viewRow, int column) const
@@ -663,7 +706,7 @@ QString TableView::groupCaption(int viewRow) const
     return text + QStringLiteral("  (%1)").arg(d->groups->groupSize(group));
 }
 
-QString TableView::selectedText() const
+QString TableView::selectedText(bool withCaptions) const
 {
     const QModelIndexList selected = selectedIndexes();
     if (selected.isEmpty())
@@ -678,6 +721,12 @@ QString TableView::selectedText() const
         visualColumns.insert(visual);
     }
     QStringList lines;
+    if (withCaptions && !visualColumns.empty()) {
+        QStringList captions;
+        for (int visual : visualColumns)
+            captions << captionPath(horizontalHeader()->logicalIndex(visual));
+        lines << captions.join(QLatin1Char('\t'));
+    }
     for (const auto &row : rows) {
         QStringList cells;
         for (int visual : visualColumns) {
@@ -694,8 +743,116 @@ void TableView::copySelection() const
     QGuiApplication::clipboard()->setText(selectedText());
 }
 
+void TableView::copySelectionWithCaptions() const
+{
+    QGuiApplication::clipboard()->setText(selectedText(true));
+}
+
+QString TableView::captionPath(int index) const
+{
+    const Column *shown = column(index);
+    if (!shown)
+        return QString();
+    QStringList parts;
+    parts << (shown->caption().isEmpty() && d->source
+                  ? d->source->headerData(index, Qt::Horizontal).toString()
+                  : shown->caption());
+    int steps = 0;
+    for (const Band *band = shown->parentBand(); band && steps <= d->bands.size();
+         band = band->parentBand(), ++steps) {
+        if (!band->caption().isEmpty())
+            parts.prepend(band->caption());
+    }
+    return parts.join(d->options->texts().captionSeparator);
+}
+
+SelectionSummary TableView::selectionSummary() const
+{
+    SelectionSummary summary;
+    const QAbstractItemModel *source = d->source;
+    if (!source)
+        return summary;
+    // The selection model keeps its ranges apart, so no cell is met twice.
+    const QItemSelection selection = selectionModel()->selection();
+    for (const QItemSelectionRange &range : selection) {
+        const int right = qMin(range.right(), d->columns.size() - 1);
+        for (int c = qMax(0, range.left()); c <= right; ++c) {
+            if (isColumnHidden(c))
+                continue;
+            const int role = d->columns.at(c)->sortRole();
+            for (int r = range.top(); r <= range.bottom(); ++r) {
+                const int sorted = d->groups->sourceRow(r);
+                if (sorted < 0)
+                    continue; // a group row
+                ++summary.count;
+                const QVariant value = source->data(source->index(d->sort->sourceRow(sorted), c), role);
+                switch (value.userType()) {
+                case QMetaType::Double:
+                case QMetaType::Float:
+                case QMetaType::Int:
+                case QMetaType::UInt:
+                case QMetaType::LongLong:
+                case QMetaType::ULongLong:
+                case QMetaType::Short:
+                case QMetaType::UShort: {
+                    const double number = value.toDouble();
+                    if (qIsFinite(number)) {
+                        summary.sum += number;
+                        ++summary.numbers;
+                    }
+                    break;
+                }
+                default:
+                    break;
+                }
+            }
+        }
+    }
+    return summary;
+}
+
+QMenu *TableView::createContextMenu(QWidget *parent)
+{
+    const GridTexts texts = d->options->texts();
+    auto *menu = new QMenu(parent);
+    const bool any = selectionModel()->hasSelection();
+    QAction *copy = menu->addAction(texts.copy, this, [this] { copySelection(); });
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setEnabled(any);
+    QAction *withCaptions = menu->addAction(texts.copyWithCaptions, this,
+                                            [this] { copySelectionWithCaptions(); });
+    withCaptions->setEnabled(any);
+    menu->addSeparator();
+    QAction *all = menu->addAction(texts.selectAll, this, [this] { selectAll(); });
+    all->setEnabled(selectionMode() == ExtendedSelection || selectionMode() == MultiSelection);
+    return menu;
+}
+
+int TableView::hoveredRow() const
+{
+    return d->hoverRow;
+}
+
+void TableView::setHoveredRow(int viewRow)
+{
+    if (viewRow == d->hoverRow)
+        return;
+    const int previous = d->hoverRow;
+    d->hoverRow = viewRow;
+    if (d->options->hoverHighlight())
+        d->updateHoveredRows(previous, viewRow);
+}
+
+bool TableView::isLinkVisited(const QString &anchor) const
+{
+    return !d->visitedLinks.isEmpty() && d->visitedLinks.contains(anchor);
+}
+
 void TableView::reportLinkClick(const QModelIndex &viewIndex, const QString &anchor)
 {
+    d->visitedLinks.insert(anchor);
+    viewport()->update();
+    d->frozen->viewport()->update();
     emit linkActivated(anchor, d->toSource(viewIndex));
 }
 
@@ -738,7 +895,7 @@ QModelIndex TableView::moveCursor(CursorAction cursorAction, Qt::KeyboardModifie
 {
     const QModelIndex current = QTableView::moveCursor(cursorAction, modifiers);
     const int frozen = frozenWidth();
-    if (frozen > 0 && current.isValid() && current.column() >= d->frozenCount()) {
+    if (frozen > 0 && current.isValid() && !d->isFrozen(current.column())) {
         const QRect rect = visualRect(current);
         if (rect.left() < frozen)
             horizontalScrollBar()->setValue(horizontalScrollBar()->value() + rect.left() - frozen);
@@ -750,7 +907,7 @@ void TableView::scrollTo(const QModelIndex &index, ScrollHint hint)
 {
     if (!index.isValid())
         return;
-    if (index.column() < d->frozenCount() || isGroupRow(index.row())) {
+    if (d->isFrozen(index.column()) || isGroupRow(index.row())) {
         // A frozen cell is always in sight sideways: only rows may move.
         const int horizontal = horizontalScrollBar()->value();
         QTableView::scrollTo(index, hint);
@@ -854,6 +1011,7 @@ void TableView::mouseMoveEvent(QMouseEvent *event)
         d->rubberBand->show();
     }
     updateHoverCursor(this, event->pos());
+    setHoveredRow(rowAt(event->pos().y()));
 }
 
 void TableView::mouseReleaseEvent(QMouseEvent *event)
@@ -874,6 +1032,8 @@ void TableView::changeEvent(QEvent *event)
 
 bool TableView::viewportEvent(QEvent *event)
 {
+    if (event->type() == QEvent::Leave)
+        setHoveredRow(-1);
     if (event->type() == QEvent::ToolTip) {
         auto *help = static_cast<QHelpEvent *>(event);
         const QModelIndex index = indexAt(help->pos());
@@ -885,6 +1045,18 @@ bool TableView::viewportEvent(QEvent *event)
         }
     }
     return QTableView::viewportEvent(event);
+}
+
+void TableView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (!d->options->isContextMenuEnabled()) {
+        QTableView::contextMenuEvent(event);
+        return;
+    }
+    QMenu *menu = createContextMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
+    event->accept();
 }
 
 // BandedTableView

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class QMenu;
+
 namespace BandGrid {
 
 class Band;
@@ -15,6 +17,16 @@ class CellDelegate;
 class Column;
 class GridOptions;
 class TableViewPrivate;
+
+// What the selected cells hold: how many there are, and the count and sum
+// of those whose sort role holds a number.
+struct BANDGRID_EXPORT SelectionSummary
+{
+    int count = 0;
+    int numbers = 0;
+    double sum = 0;
+    double average() const { return numbers > 0 ? sum / numbers : 0; }
+};
 
 // A table over the user's model. Between the model and the screen sit a
 // sorting proxy and a grouping proxy; rows in signals and in the column
@@ -59,6 +71,7 @@ public:
     // The overlay that holds the frozen columns; hidden when there are none.
     QTableView *frozenView() const;
     int frozenColumnCount() const;
+    bool isColumnFrozen(int column) const;
     int frozenWidth() const;
     // The viewport a column's cells are shown in, and a cell's rectangle there.
     QWidget *viewportOf(int column) const;
@@ -91,9 +104,26 @@ public:
     void collapseAll();
     QString groupCaption(int viewRow) const;
 
-    // The selected cells as text: tab between columns, new line between rows.
-    QString selectedText() const;
+    // The selected cells as text: tab between columns, new line between rows;
+    // with captions, a first line of each column's caption path.
+    QString selectedText(bool withCaptions = false) const;
     void copySelection() const;
+    void copySelectionWithCaptions() const;
+    // A column's caption under the captions of the bands above it, from the
+    // top, joined by the texts' caption separator; empty band captions are
+    // left out.
+    QString captionPath(int column) const;
+    // Count, and count and sum of numbers read from each column's sort role,
+    // over the selected cells of visible columns and data rows.
+    SelectionSummary selectionSummary() const;
+
+    // The menu a right click on a cell opens; the caller owns it.
+    QMenu *createContextMenu(QWidget *parent = nullptr);
+
+    // The view row under the mouse, or -1.
+    int hoveredRow() const;
+    // A link that has been followed in this view is painted in LinkVisited.
+    bool isLinkVisited(const QString &anchor) const;
 
     // Called by the cell delegate.
     void reportLinkClick(const QModelIndex &viewIndex, const QString &anchor);
@@ -119,6 +149,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void changeEvent(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
     Band *createBand(const QString &caption);
 
@@ -130,6 +161,7 @@ private:
     friend class FrozenColumnsView;
     void columnStateChanged();
     void updateHoverCursor(QAbstractItemView *view, const QPoint &pos);
+    void setHoveredRow(int viewRow);
     void paintGroupCaptions(QTableView *view, const QRect &region);
     void bandLayoutChanged();
     std::unique_ptr<TableViewPrivate> d;

@@ -414,6 +414,8 @@ bool TFSubjectTableWidget::parseData(const QJsonValue &json)
 
     if (m_isMain) {
         connect(grid, &TFSujectTableView::clicked, this, [this, model](int row) {
+            if (row < 0)
+                return; // no row of the model: nothing to carry to the child views
             const RowData values = model->data(model->index(row, 0), Qt::UserRole + 11).value<RowData>();
             emit sigRowData(values, true);
         });

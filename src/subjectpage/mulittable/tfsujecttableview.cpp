@@ -23,6 +23,8 @@ namespace {
 const int kCentred = Qt::AlignHCenter | Qt::AlignVCenter; // 132
 const int kDefaultWidth = 104;
 const int kMeasuredWidth = -9;
+// The vertical-grid form's selection policy 2: cells, one by one or in blocks.
+const BandGrid::SelectionPolicy kVerticalGridSelection = BandGrid::SelectionPolicy::MultiCell;
 
 // The two grid line styles the table asks for: 5 for the ordinary table,
 // 1 for the vertical-grid form, which separates its rows only.
@@ -35,6 +37,60 @@ void setGridLineStyle(BandGrid::GridOptions *options, int style)
 }
 
 } // namespace
+
+// A style sheet that styles tables gives each a palette of its own when it
+// polishes it, and that palette drops the roles set before. This puts the
+// link colours back on the tables it watches whenever their palette changes.
+class TFLinkColours : public QObject
+{
+public:
+    explicit TFLinkColours(QObject *parent) : QObject(parent) {}
+
+    void setColours(const QColor &link, const QColor &visited)
+    {
+        m_link = link;
+        m_visited = visited;
+        for (QWidget *view : qAsConst(m_views)) {
+            if (view)
+                apply(view);
+        }
+    }
+
+    void watch(QWidget *view)
+    {
+        m_views.append(view);
+        view->installEventFilter(this);
+        apply(view);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::Polish)
+            apply(static_cast<QWidget *>(watched));
+        return false;
+    }
+
+private:
+    void apply(QWidget *view) const
+    {
+        QPalette palette = view->palette();
+        bool changed = false;
+        if (m_link.isValid() && palette.color(QPalette::Link) != m_link) {
+            palette.setColor(QPalette::All, QPalette::Link, m_link);
+            changed = true;
+        }
+        if (m_visited.isValid() && palette.color(QPalette::LinkVisited) != m_visited) {
+            palette.setColor(QPalette::All, QPalette::LinkVisited, m_visited);
+            changed = true;
+        }
+        if (changed)
+            view->setPalette(palette);
+    }
+
+    QColor m_link;
+    QColor m_visited;
+    QList<QPointer<QWidget>> m_views;
+};
 
 // EditorLinkEventArgs
 
@@ -104,6 +160,10 @@ void TFSujectTableView::setModel(TFSubjectTableModel *model, bool rebind)
 
     m_grid->setViewType(m_depth < 3 ? BandGrid::ViewType::Table : BandGrid::ViewType::BandedTable);
     m_view = m_grid->view();
+    delete m_linkColours;
+    m_linkColours = new TFLinkColours(m_view);
+    m_linkColours->watch(m_view);
+    m_linkColours->watch(m_view->frozenView());
 
     if (m_depth > 2)
         createBands();
@@ -123,8 +183,11 @@ void TFSujectTableView::setModel(TFSubjectTableModel *model, bool rebind)
     applyTheme();
     m_view->options()->setColumnFont(m_view->font());
 
-    connect(m_view, &BandGrid::TableView::focusRowChanged, this,
-            [this](int, int currentRow) { emit clicked(currentRow); });
+    // Only rows of the model reach the owner: no focus at all is no click.
+    connect(m_view, &BandGrid::TableView::focusRowChanged, this, [this](int, int currentRow) {
+        if (currentRow >= 0)
+            emit clicked(currentRow);
+    });
     connect(m_view, &BandGrid::TableView::linkActivated, this, &TFSujectTableView::onLinkActivated);
     if (model) {
         connect(model, &QAbstractItemModel::modelReset, this, &TFSujectTableView::onModelReset,
@@ -346,7 +409,7 @@ void TFSujectTableView::setVGridHeader(const QString &fieldName)
     }
     m_view->options()->setAlternatingRowColors(false);
     m_view->deselectAll();
-    m_view->options()->setSelectionPolicy(BandGrid::SelectionPolicy(2));
+    m_view->options()->setSelectionPolicy(kVerticalGridSelection);
 }
 
 void TFSujectTableView::applyOptions()
@@ -364,6 +427,20 @@ void TFSujectTableView::applyOptions()
     options->setZoomEnabled(false);
     options->setZoomFactor(1.0);
     options->setCellButtonAutoRaise(true);
+
+    // What analysts expect of a data grid beyond that: the row under the
+    // mouse marked, a menu to copy, and the sum of a selection.
+    options->setHoverHighlight(true);
+    options->setContextMenuEnabled(true);
+    BandGrid::GridTexts texts;
+    texts.copy = QStringLiteral("复制");
+    texts.copyWithCaptions = QStringLiteral("复制(含列标题)");
+    texts.selectAll = QStringLiteral("全选");
+    texts.count = QStringLiteral("计数");
+    texts.sum = QStringLiteral("求和");
+    texts.average = QStringLiteral("平均值");
+    options->setTexts(texts);
+    m_grid->setStatusLineVisible(true);
 }
 
 void TFSujectTableView::applyTheme()
@@ -378,14 +455,17 @@ void TFSujectTableView::applyTheme()
     theme.groupText = current.groupText;
     theme.groupBase = current.groupBase;
     theme.groupLine = current.groupLine;
-    // The selection follows the host's colours; the base stays the grid's.
-    const QColor selection = TFGlobalCss::getTipsColorByIndex(1);
-    const QColor selectionText = TFGlobalCss::getTipsColorByIndex(2);
-    if (selection.isValid())
-        theme.highlight = selection;
-    if (selectionText.isValid())
-        theme.highlightedText = selectionText;
+    // The hovered row takes the skin's highlight, which the model hands out.
+    if (m_model) {
+        const QColor hover = m_model->data(QModelIndex(), TFSubjectTableModel::HoverColorRole).value<QColor>();
+        if (hover.isValid())
+            theme.hover = hover;
+    }
     m_grid->setTheme(theme);
+
+    // Link cells follow the host's link colours, through the view's palette.
+    if (m_linkColours)
+        m_linkColours->setColours(TFGlobalCss::getTipsColorByIndex(1), TFGlobalCss::getTipsColorByIndex(2));
 
     applyGridFont();
     m_view->options()->setZoomFactor(1.0);

@@ -10,6 +10,7 @@
 
 class QMouseEvent;
 class QToolButton;
+class TFLinkColours;
 class TFTreeStruct;
 
 namespace BandGrid {
@@ -113,4 +114,5 @@ private:
     TFTreeStruct *m_header = nullptr;
     BandGrid::TableView *m_view = nullptr;
     QPointer<TFSubjectTableModel> m_model;
+    QPointer<TFLinkColours> m_linkColours;
 };

@@ -1,13 +1,16 @@
 // bandgrid-demo [--dark] [--rows N] [--screenshot FILE.png]
 //
-// A banded grid with two frozen columns, grouped by industry, with links
-// and memo buttons.
+// A banded grid grouped by industry, with links and memo buttons; two
+// frozen columns, the code and the price-earnings ratio from the middle of
+// its band; the hovered row marked, a right-click menu to copy, and the
+// status line of the selection.
 #include "bandgrid.h"
 #include "demomodel.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTimer>
 #include <QtDebug>
@@ -60,7 +63,18 @@ int main(int argc, char *argv[])
         view->column(c)->setSortRole(Qt::UserRole);
     }
     view->column(DemoModel::Code)->setFixedKind(FixedKind::Left);
-    view->column(DemoModel::Name)->setFixedKind(FixedKind::Left);
+    view->column(DemoModel::Pe)->setFixedKind(FixedKind::Left);
+    view->options()->setHoverHighlight(true);
+    view->options()->setContextMenuEnabled(true);
+    GridTexts texts;
+    texts.copy = QStringLiteral("复制");
+    texts.copyWithCaptions = QStringLiteral("复制(含列标题)");
+    texts.selectAll = QStringLiteral("全选");
+    texts.count = QStringLiteral("计数");
+    texts.sum = QStringLiteral("求和");
+    texts.average = QStringLiteral("平均值");
+    view->options()->setTexts(texts);
+    grid.setStatusLineVisible(true);
     view->column(DemoModel::Report)->setEditorKind(EditorKind::Link);
     view->column(DemoModel::Memo)->addButton(QIcon(), QStringLiteral("全文"));
     view->options()->setColumnHidingOnGroupingEnabled(true);
@@ -82,9 +96,21 @@ int main(int argc, char *argv[])
     if (parser.isSet(shot)) {
         const QString file = parser.value(shot);
         QTimer::singleShot(200, [&] {
-            // Scrolled sideways, so that the picture shows the frozen columns at work.
-            view->selectRow(3);
+            // Scrolled sideways, so that the picture shows the frozen columns
+            // at work; a block of prices selected, summed below; a followed
+            // link; the mouse over a row.
+            view->options()->setSelectionPolicy(SelectionPolicy::MultiCell);
+            view->selectionModel()->select(
+                QItemSelection(view->model()->index(3, DemoModel::Close),
+                               view->model()->index(7, DemoModel::Change)),
+                QItemSelectionModel::ClearAndSelect);
             view->horizontalScrollBar()->setValue(120);
+            const QModelIndex report = view->model()->index(4, DemoModel::Report);
+            view->reportLinkClick(report, LinkText::parse(report.data().toString()).anchor);
+            const QPoint over = view->cellRect(10, DemoModel::Volume).center();
+            QMouseEvent move(QEvent::MouseMove, over, view->viewport()->mapToGlobal(over), Qt::NoButton,
+                             Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(view->viewport(), &move);
             QTimer::singleShot(100, [&] {
                 if (!grid.grab().save(file))
                     qWarning() << "cannot save" << file;

@@ -1,9 +1,13 @@
 #include "bandgrid.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QRubberBand>
 #include <QStandardItemModel>
 #include <QtTest>
+
+#include <memory>
 
 using namespace BandGrid;
 
@@ -38,8 +42,21 @@ private slots:
     void currentCellFramedWhenCellsAreSelected_data();
     void gridKeepsThemeAndFontAcrossViewTypes();
     void currentCellFramedWhenCellsAreSelected();
+    void cellAlignment_data();
+    void cellAlignment();
+    void linkColoursFromThePalette();
+    void hoveredRow_data();
+    void hoveredRow();
+    void groupRowIsNoFocusRow();
+    void contextMenu();
+    void selectionSummary_data();
+    void selectionSummary();
+    void statusLineText_data();
+    void statusLineText();
+    void statusLineFollowsTheSelection();
 
 private:
+    QStyleOptionViewItem cellOption(int viewRow, int column) const;
     QStandardItemModel *m_model = nullptr;
     TableView *m_view = nullptr;
 };
@@ -432,6 +449,249 @@ void tst_TableView::gridKeepsThemeAndFontAcrossViewTypes()
     grid.setFont(font);   // reaches the view, which keeps no font of its own
     QCOMPARE(grid.view()->cellFont().pointSize(), 8);
     QCOMPARE(grid.view()->verticalHeader()->defaultSectionSize(), grid.view()->rowHeight());
+}
+
+// What the delegate paints a cell with, as the view hands it over.
+QStyleOptionViewItem tst_TableView::cellOption(int viewRow, int column) const
+{
+    QStyleOptionViewItem option;
+    option.palette = m_view->palette();
+    option.state = QStyle::State_Enabled;
+    if (m_view->selectionModel()->isSelected(m_view->model()->index(viewRow, column)))
+        option.state |= QStyle::State_Selected;
+    auto *delegate = qobject_cast<CellDelegate *>(m_view->itemDelegate());
+    delegate->initStyleOption(&option, m_view->model()->index(viewRow, column));
+    return option;
+}
+
+void tst_TableView::cellAlignment_data()
+{
+    QTest::addColumn<int>("model");    // 0: the model gives none
+    QTest::addColumn<int>("column");   // 0: unset
+    QTest::addColumn<int>("painted");
+    const int right = Qt::AlignRight | Qt::AlignVCenter;
+    const int left = Qt::AlignLeft | Qt::AlignVCenter;
+    QTest::newRow("the model's beats the column's") << right << int(Qt::AlignCenter) << right;
+    QTest::newRow("the column's where the model gives none") << 0 << int(Qt::AlignCenter) << int(Qt::AlignCenter);
+    QTest::newRow("left without either") << 0 << 0 << left;
+}
+
+void tst_TableView::cellAlignment()
+{
+    QFETCH(int, model);
+    QFETCH(int, column);
+    QFETCH(int, painted);
+    if (model)
+        m_model->item(1, 1)->setTextAlignment(Qt::Alignment(model)); // view row 0
+    m_view->column(1)->setTextAlignment(Qt::Alignment(column));
+    QCOMPARE(int(cellOption(0, 1).displayAlignment), painted);
+}
+
+void tst_TableView::linkColoursFromThePalette()
+{
+    QPalette palette = m_view->palette();
+    palette.setColor(QPalette::Link, QColor(Qt::red));
+    palette.setColor(QPalette::LinkVisited, QColor(Qt::green));
+    m_view->setPalette(palette);
+    QCOMPARE(m_view->frozenView()->palette().color(QPalette::Link), QColor(Qt::red));
+    QCOMPARE(cellOption(2, 2).palette.color(QPalette::Text), QColor(Qt::red));
+    QCOMPARE(cellOption(2, 2).text, QStringLiteral("first"));
+    QVERIFY(cellOption(2, 2).font.underline());
+
+    const QRect cell = m_view->cellRect(2, 2);
+    QTest::mouseClick(m_view->viewportOf(2), Qt::LeftButton, {}, QPoint(cell.left() + 8, cell.center().y()));
+    QCOMPARE(cellOption(2, 2).palette.color(QPalette::Text), QColor(Qt::green));
+    QCOMPARE(cellOption(0, 2).palette.color(QPalette::Text), QColor(Qt::red)); // another link
+    QVERIFY(cellOption(0, 1).palette.color(QPalette::Text) != QColor(Qt::red)); // not a link
+}
+
+void tst_TableView::hoveredRow_data()
+{
+    QTest::addColumn<bool>("highlight");
+    QTest::newRow("on") << true;
+    QTest::newRow("off") << false;
+}
+
+void tst_TableView::hoveredRow()
+{
+    QFETCH(bool, highlight);
+    m_view->options()->setHoverHighlight(highlight);
+    m_view->options()->setAlternatingRowColors(false);
+    m_view->column(0)->setFixedKind(FixedKind::Left);
+    // Over the frozen part and over the scrolling part, the whole row is marked.
+    QWidget *frozen = m_view->viewportOf(0);
+    const QPoint over = m_view->cellRect(1, 0).center();
+    QMouseEvent move(QEvent::MouseMove, over, frozen->mapToGlobal(over), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(frozen, &move);
+    QCOMPARE(m_view->hoveredRow(), 1);
+    const QColor hover = m_view->theme().hover;
+    QCOMPARE(cellOption(1, 3).backgroundBrush.color() == hover, highlight);
+    QCOMPARE(cellOption(1, 0).backgroundBrush.color() == hover, highlight);
+    QVERIFY(cellOption(0, 3).backgroundBrush.color() != hover);
+    const QImage image = m_view->viewport()->grab().toImage();
+    const QRect cell = m_view->cellRect(1, 1);
+    QCOMPARE(image.pixelColor(cell.right() - 3, cell.top() + 2) == hover, highlight);
+
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(frozen, &leave);
+    QCOMPARE(m_view->hoveredRow(), -1);
+    QVERIFY(cellOption(1, 3).backgroundBrush.color() != hover);
+}
+
+void tst_TableView::groupRowIsNoFocusRow()
+{
+    m_view->column(1)->setGroupIndex(0);   // one group per name
+    m_view->expandAll();
+    QVERIFY(m_view->isGroupRow(0));
+    QSignalSpy spy(m_view, &TableView::focusRowChanged);
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(1, 1).center());
+    QCOMPARE(spy.count(), 1);
+    QVERIFY(spy.at(0).at(1).toInt() >= 0);
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(2, 1).center());
+    QVERIFY(m_view->isGroupRow(m_view->currentIndex().row()));
+    QCOMPARE(spy.count(), 1);
+}
+
+void tst_TableView::contextMenu()
+{
+    BandedTableView view;
+    view.setModel(m_model);
+    Band *top = view.addBand(QStringLiteral("Top"));
+    Band *sub = view.addBand(QStringLiteral("Sub"));
+    Band *empty = view.addBand(QString());
+    sub->setBandIndex(top->index());
+    view.column(0)->setBandIndex(empty->index());
+    view.column(1)->setBandIndex(sub->index());
+    view.column(1)->setCaption(QStringLiteral("Name"));
+    view.options()->setSelectionPolicy(SelectionPolicy::MultiCell);
+    QCOMPARE(view.captionPath(1), QStringLiteral("Top / Sub / Name"));
+    QCOMPARE(view.captionPath(0), QStringLiteral("num"));
+
+    std::unique_ptr<QMenu> menu(view.createContextMenu());
+    const QList<QAction *> actions = menu->actions();
+    QCOMPARE(actions.size(), 4);   // copy, with captions, a separator, select all
+    QVERIFY(!actions.at(0)->isEnabled());
+    view.selectionModel()->select(QItemSelection(view.model()->index(0, 0), view.model()->index(1, 1)),
+                                  QItemSelectionModel::Select);
+    menu.reset(view.createContextMenu());
+    QGuiApplication::clipboard()->clear();
+    menu->actions().at(0)->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("30\talpha\n10\tbeta"));
+    menu->actions().at(1)->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("num\tTop / Sub / Name\n30\talpha\n10\tbeta"));
+    menu->actions().at(3)->trigger();
+    QCOMPARE(view.selectionModel()->selectedIndexes().size(), 12);
+
+    // A right click opens the menu only where it is enabled.
+    view.resize(400, 200);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    const QPoint at = view.cellRect(0, 1).center();
+    for (bool enabled : {false, true}) {
+        view.options()->setContextMenuEnabled(enabled);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, view.viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(view.viewport(), &event);
+        QMenu *shown = view.findChild<QMenu *>();
+        QCOMPARE(shown != nullptr, enabled);
+        if (shown) {
+            QTRY_VERIFY(shown->isVisible());
+            shown->close();
+        }
+    }
+}
+
+void tst_TableView::selectionSummary_data()
+{
+    QTest::addColumn<QVector<QRect>>("ranges");   // x: columns, y: view rows
+    QTest::addColumn<QVector<int>>("hidden");
+    QTest::addColumn<int>("groupColumn");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("numbers");
+    QTest::addColumn<double>("sum");
+    // Column 0 sorts by numbers, the others by their texts.
+    QTest::newRow("numbers") << QVector<QRect>{QRect(0, 0, 1, 3)} << QVector<int>{} << -1 << 3 << 3 << 60.0;
+    QTest::newRow("texts are counted, not added, even when they read as numbers")
+        << QVector<QRect>{QRect(0, 0, 2, 2)} << QVector<int>{} << -1 << 4 << 2 << 30.0;
+    QTest::newRow("hidden columns are left out")
+        << QVector<QRect>{QRect(0, 0, 4, 1)} << QVector<int>{0} << -1 << 3 << 0 << 0.0;
+    QTest::newRow("two blocks") << QVector<QRect>{QRect(0, 0, 1, 1), QRect(0, 2, 1, 1)} << QVector<int>{}
+                                << -1 << 2 << 2 << 40.0;
+    QTest::newRow("group rows are left out")
+        << QVector<QRect>{QRect(0, 0, 1, 6)} << QVector<int>{} << 1 << 3 << 3 << 60.0;
+}
+
+void tst_TableView::selectionSummary()
+{
+    QFETCH(QVector<QRect>, ranges);
+    QFETCH(QVector<int>, hidden);
+    QFETCH(int, groupColumn);
+    QFETCH(int, count);
+    QFETCH(int, numbers);
+    QFETCH(double, sum);
+    // Texts that look like numbers in the column shown beside the numbers.
+    m_model->item(0, 1)->setText(QStringLiteral("1000"));
+    for (int c : hidden)
+        m_view->column(c)->setVisible(false);
+    if (groupColumn >= 0) {
+        m_view->groupBy(groupColumn);
+        m_view->expandAll();
+    }
+    for (const QRect &cells : ranges)
+        m_view->selectionModel()->select(QItemSelection(m_view->model()->index(cells.top(), cells.left()),
+                                                        m_view->model()->index(cells.bottom(), cells.right())),
+                                         QItemSelectionModel::Select);
+    const SelectionSummary summary = m_view->selectionSummary();
+    QCOMPARE(summary.count, count);
+    QCOMPARE(summary.numbers, numbers);
+    QCOMPARE(summary.sum, sum);
+}
+
+void tst_TableView::statusLineText_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("numbers");
+    QTest::addColumn<double>("sum");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("nothing selected") << 0 << 0 << 0.0 << "";
+    QTest::newRow("no numbers: the count alone") << 4 << 0 << 0.0 << "Count: 4";
+    QTest::newRow("separators, no trailing zeros") << 3 << 2 << 2469.5 << "Count: 3    Sum: 2,469.5    Average: 1,234.75";
+    QTest::newRow("at most four decimals") << 3 << 3 << 1.0 << "Count: 3    Sum: 1    Average: 0.3333";
+}
+
+void tst_TableView::statusLineText()
+{
+    QFETCH(int, count);
+    QFETCH(int, numbers);
+    QFETCH(double, sum);
+    QFETCH(QString, text);
+    SelectionSummary summary;
+    summary.count = count;
+    summary.numbers = numbers;
+    summary.sum = sum;
+    QCOMPARE(StatusLine::format(summary, GridTexts(), QLocale(QLocale::English, QLocale::UnitedStates)), text);
+}
+
+void tst_TableView::statusLineFollowsTheSelection()
+{
+    Grid grid;
+    grid.view()->setModel(m_model);
+    grid.view()->column(0)->setSortRole(Qt::UserRole);
+    StatusLine *line = grid.statusLine();
+    line->setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
+    QVERIFY(!grid.isStatusLineVisible());
+    grid.setStatusLineVisible(true);
+    GridTexts texts;
+    texts.count = QStringLiteral("N");
+    grid.view()->options()->setTexts(texts);
+    grid.view()->selectAll();
+    QTRY_COMPARE(line->text(), QStringLiteral("N: 12    Sum: 60    Average: 20"));
+    // A new view type keeps the line, now reading the new view.
+    grid.setViewType(ViewType::BandedTable);
+    grid.view()->setModel(m_model);
+    QTRY_COMPARE(line->text(), QString());
+    grid.view()->selectRow(1);
+    QTRY_COMPARE(line->text(), QStringLiteral("Count: 4"));
 }
 
 QTEST_MAIN(tst_TableView)

@@ -177,8 +177,8 @@ void tst_TFCore::tipsColorsComeFromTheSkin_data()
     QTest::addColumn<int>("index");
     QTest::addColumn<QColor>("expected");
     QTest::newRow("from skin.ini") << "white" << 0 << QColor("#101112");
-    QTest::newRow("light default") << "white" << 2 << QColor("#102030");
-    QTest::newRow("dark default") << "black" << 1 << QColor("#1f4e79");
+    QTest::newRow("light default") << "white" << 2 << QColor("#6a3fb5");
+    QTest::newRow("dark default") << "black" << 1 << QColor("#4da3ff");
     QTest::newRow("below range") << "white" << -1 << QColor();
     QTest::newRow("above range") << "black" << 3 << QColor();
 }

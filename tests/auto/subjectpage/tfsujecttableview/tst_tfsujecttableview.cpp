@@ -3,14 +3,18 @@
 #include "mulittable/tfsujecttableview.h"
 
 #include "bandgrid.h"
+#include "tfcore/tfcore.h"
+#include "tfcore/tfglobalcss.h"
 
 #include <QApplication>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QtTest>
 
@@ -123,19 +127,22 @@ class tst_TFSujectTableView : public QObject
 private slots:
     void initTestCase() { TFTableModelData::registerRowDataType(); }
 
-    void objectNames();
     void layoutByDepth_data();
     void layoutByDepth();
     void columnWidth_data();
     void columnWidth();
-    void widthsApplied();
     void editors();
     void hiddenLeaf_data();
     void hiddenLeaf();
     void frozenCount_data();
     void frozenCount();
     void groupColumn();
-    void columnsAlignment();
+    void cellAlignment_data();
+    void cellAlignment();
+    void linkColours();
+    void linkColoursUnderAStyleSheet();
+    void groupRowClickIsNoRowClick();
+    void statusLineSumsSortValues();
     void substituteLink_data();
     void substituteLink();
     void editorLinkActivated_data();
@@ -148,17 +155,6 @@ private slots:
     void verticalGridHeader();
     void wheelFilter();
 };
-
-void tst_TFSujectTableView::objectNames()
-{
-    TFSujectTableView view;
-    QCOMPARE(view.objectName(), QStringLiteral("tfTableView"));
-    QCOMPARE(view.grid()->objectName(), QStringLiteral("tfGridView"));
-    QCOMPARE(view.cornerWidget()->objectName(), QStringLiteral("CornerWidget"));
-    QVERIFY(view.grid()->hasMouseTracking());
-    QCOMPARE(view.number(), 2);
-    QCOMPARE(view.depth(), 1);
-}
 
 void tst_TFSujectTableView::layoutByDepth_data()
 {
@@ -212,52 +208,19 @@ void tst_TFSujectTableView::layoutByDepth()
 void tst_TFSujectTableView::columnWidth_data()
 {
     QTest::addColumn<int>("width");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<int>("expected");   // -1: measured
-
-    QTest::newRow("given width") << 70 << "代码" << "" << 70;
-    QTest::newRow("zero gives the default") << 0 << "代码" << "" << 104;
-    QTest::newRow("other negative gives the default") << -1 << "代码" << "" << 104;
-    QTest::newRow("-9 measures the caption") << -9 << "证券简称" << "" << -1;
-    QTest::newRow("-9 measures caption and unit") << -9 << "总市值" << "亿元" << -1;
+    QTest::addColumn<int>("expected");
+    QTest::newRow("given width") << 70 << 70;
+    QTest::newRow("zero gives the default") << 0 << 104;
+    QTest::newRow("other negative gives the default") << -1 << 104;
 }
 
 void tst_TFSujectTableView::columnWidth()
 {
     QFETCH(int, width);
-    QFETCH(QString, caption);
-    QFETCH(QString, unit);
     QFETCH(int, expected);
-
     HeaderFieldInfo info = field("X");
     info.width = width;
-    info.caption = caption;
-    info.showUnit = unit;
-    QFont font;
-    font.setPointSize(10);
-    if (expected < 0) {
-        const QFontMetrics metrics(font);
-        expected = metrics.horizontalAdvance(caption) + 45;
-        if (!unit.isEmpty())
-            expected += metrics.horizontalAdvance(QStringLiteral("( %1 )").arg(unit));
-        QVERIFY(expected > 45);
-    }
-    QCOMPARE(TFSujectTableView::columnWidth(info, font), expected);
-}
-
-void tst_TFSujectTableView::widthsApplied()
-{
-    auto *root = new TFTreeStruct(QString());
-    HeaderFieldInfo measured = field("M", "0", "BandedGridColumn", -9);
-    measured.caption = QStringLiteral("一个很长的标题");
-    root->addChild(node(field("A", "0", "BandedGridColumn", 66)));
-    root->addChild(node(measured));
-    root->addChild(node(field("Z", "0", "BandedGridColumn", 0)));
-    Fixture f(root);
-    QCOMPARE(f.view.view()->column(0)->width(), 66);
-    QCOMPARE(f.view.view()->column(1)->width(), TFSujectTableView::columnWidth(measured, f.view.view()->font()));
-    QCOMPARE(f.view.view()->column(2)->width(), 104);
+    QCOMPARE(TFSujectTableView::columnWidth(info, QFont()), expected);
 }
 
 void tst_TFSujectTableView::editors()
@@ -370,16 +333,144 @@ void tst_TFSujectTableView::groupColumn()
     QCOMPARE(f.view.view()->groupColumn(), 2);
 }
 
-void tst_TFSujectTableView::columnsAlignment()
+// What the delegate paints a cell with, as the view hands it over.
+static QStyleOptionViewItem cellOption(BandGrid::TableView *view, int row, int column)
 {
+    QStyleOptionViewItem option;
+    option.palette = view->palette();
+    option.state = QStyle::State_Enabled;
+    qobject_cast<BandGrid::CellDelegate *>(view->itemDelegate())
+        ->initStyleOption(&option, view->model()->index(row, column));
+    return option;
+}
+
+void tst_TFSujectTableView::cellAlignment_data()
+{
+    QTest::addColumn<QString>("valueType");
+    QTest::addColumn<int>("textAlignment");
+    QTest::addColumn<int>("painted");
+    QTest::newRow("numbers right") << "Decimal" << 0 << 130;
+    QTest::newRow("texts left") << "String" << 0 << 129;
+    QTest::newRow("dates centred") << "DateTime" << 0 << 132;
+    QTest::newRow("configured left") << "Decimal" << 1 << 129;
+    QTest::newRow("configured right") << "String" << 3 << 130;
+}
+
+void tst_TFSujectTableView::cellAlignment()
+{
+    QFETCH(QString, valueType);
+    QFETCH(int, textAlignment);
+    QFETCH(int, painted);
     Fixture f(bandedTree());
+    QList<RowData> rows;
+    rows << rowOf(f.header->leaves(), 0);
+    rows[0][1].valueType = valueType;
+    rows[0][1].textAlignment = textAlignment;
+    rows[0][1].value = 12.5;
+    f.model.setRows(rows);
+    // As the table widget sets it up: every column centred.
     f.view.setColumnsAlignment(Qt::AlignCenter);
-    for (int c = 0; c < f.view.view()->columnCount(); ++c) {
-        const BandGrid::Column *column = f.view.view()->column(c);
-        QCOMPARE(column->sortRole(), 274);
-        QVERIFY(column->isSortLocaleAware());
-        QCOMPARE(int(column->textAlignment()), 132);
+    QCOMPARE(int(cellOption(f.view.view(), 0, 1).displayAlignment), painted);
+    QCOMPARE(int(f.view.view()->column(1)->textAlignment()), 132); // for the caption
+}
+
+void tst_TFSujectTableView::linkColours()
+{
+    // A skin of its own, whose link colours are none of the grid's.
+    QTemporaryDir skins;
+    QVERIFY(QDir().mkpath(skins.filePath("white")));
+    QFile ini(skins.filePath("white/skin.ini"));
+    QVERIFY(ini.open(QIODevice::WriteOnly));
+    ini.write("[Colors]\nlink=#aa0011\nlinkVisited=#11aa00\n");
+    ini.close();
+    TFCore::instance()->setSkinsRoot(skins.path());
+    const auto restore = qScopeGuard([] { TFCore::instance()->setSkinsRoot(QString()); });
+    QVERIFY(TFCore::instance()->setCurrentSkin(QStringLiteral("white")));
+    const QColor link = TFGlobalCss::getTipsColorByIndex(1);
+    const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
+    QCOMPARE(link, QColor("#aa0011"));
+
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("A")));
+    root->addChild(node(field("L", "0", "HyperLinkEdit")));
+    Fixture f(root);
+    BandGrid::TableView *view = f.view.view();
+    QCOMPARE(view->palette().color(QPalette::Link), link);
+    QCOMPARE(view->palette().color(QPalette::LinkVisited), visited);
+    QCOMPARE(cellOption(view, 1, 1).palette.color(QPalette::Text), link);
+    view->reportLinkClick(view->model()->index(1, 1), QStringLiteral("L1"));
+    QCOMPARE(cellOption(view, 1, 1).palette.color(QPalette::Text), visited);
+    QCOMPARE(cellOption(view, 2, 1).palette.color(QPalette::Text), link);
+    // The selection keeps the grid's own colours.
+    QCOMPARE(view->theme().highlight, BandGrid::GridTheme::light().highlight);
+}
+
+void tst_TFSujectTableView::linkColoursUnderAStyleSheet()
+{
+    // As on the page: the grid goes into a holder under the skin's style
+    // sheet before its model is set, and the sheet styles every table.
+    QWidget page;
+    page.setStyleSheet(QStringLiteral("QWidget { color: #1f2a37; } QTableView { background-color: #ffffff;"
+                                      " selection-background-color: #cfe3f7; selection-color: #102030; }"));
+    auto *layout = new QVBoxLayout(&page);
+    auto *root = new TFTreeStruct(QString());
+    root->addChild(node(field("A")));
+    root->addChild(node(field("L", "0", "HyperLinkEdit")));
+    std::unique_ptr<TFTreeStruct> header(root);
+    TFSubjectTableModel model;
+    model.setHeader(header.get());
+    model.setRows({rowOf(header->leaves(), 0), rowOf(header->leaves(), 1)});
+    auto *grid = new TFSujectTableView;
+    layout->addWidget(grid);
+    grid->setModel(&model);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    page.setStyleSheet(page.styleSheet() + QStringLiteral(" QHeaderView { color: #1f2a37; }"));
+    QCoreApplication::processEvents();
+    for (QTableView *view : {static_cast<QTableView *>(grid->view()), grid->view()->frozenView()})
+        QCOMPARE(view->palette().color(QPalette::Link), TFGlobalCss::getTipsColorByIndex(1));
+    QCOMPARE(cellOption(grid->view(), 0, 1).palette.color(QPalette::Text), TFGlobalCss::getTipsColorByIndex(1));
+}
+
+void tst_TFSujectTableView::groupRowClickIsNoRowClick()
+{
+    Fixture f(flatTree());
+    f.view.setGroupColumn(-1);
+    f.view.expandAll();
+    f.view.resize(400, 300);
+    f.view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+    BandGrid::TableView *view = f.view.view();
+    QVERIFY(view->isGroupRow(0));
+    QSignalSpy spy(&f.view, &TFSujectTableView::clicked);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cellRect(1, 0).center());
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toInt(), view->sourceRow(1));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cellRect(2, 0).center());
+    QVERIFY(view->isGroupRow(view->currentIndex().row()));
+    QCOMPARE(spy.count(), 1);
+}
+
+void tst_TFSujectTableView::statusLineSumsSortValues()
+{
+    Fixture f(flatTree());
+    QList<RowData> rows;
+    const double values[] = {1234.5, 10, 0.25};
+    for (int r = 0; r < 3; ++r) {
+        rows << rowOf(f.header->leaves(), r);
+        rows[r][1].valueType = QStringLiteral("Decimal");
+        rows[r][1].value = values[r];
     }
+    f.model.setRows(rows);
+    f.view.setColumnsAlignment(Qt::AlignCenter);
+    BandGrid::TableView *view = f.view.view();
+    BandGrid::StatusLine *line = f.view.grid()->statusLine();
+    QVERIFY(f.view.grid()->isStatusLineVisible());
+    line->setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
+    view->selectionModel()->select(QItemSelection(view->model()->index(0, 0), view->model()->index(2, 1)),
+                                   QItemSelectionModel::ClearAndSelect);
+    // The shown texts carry group separators ("1,234.50"); the sum does not read them.
+    QTRY_COMPARE(line->text(), QStringLiteral("计数: 6    求和: 1,244.75    平均值: 414.9167"));
 }
 
 void tst_TFSujectTableView::substituteLink_data()
@@ -494,7 +585,7 @@ void tst_TFSujectTableView::verticalGridHeader_data()
     QTest::addColumn<bool>("banded");
     QTest::addColumn<QString>("fieldName");
     QTest::addColumn<int>("fixedColumn");   // -1: none
-    QTest::addColumn<bool>("changed");
+    QTest::addColumn<bool>("changed");      // the form's look and selection
 
     QTest::newRow("empty name: nothing") << true << "" << -1 << false;
     QTest::newRow("banded: set up again, the field's column frozen") << true << "B" << 1 << true;
@@ -514,10 +605,17 @@ void tst_TFSujectTableView::verticalGridHeader()
     f.view.setVGridHeader(fieldName);
     BandGrid::TableView *view = f.view.view();
     QCOMPARE(view != before, banded && changed);
-    for (int c = 0; c < view->columnCount(); ++c)
+    for (int c = 0; c < view->columnCount(); ++c) {
         QCOMPARE(view->column(c)->fixedKind() == BandGrid::FixedKind::Left, c == fixedColumn);
-    QCOMPARE(view->options()->alternatingRowColors(), !changed);
-    QCOMPARE(view->options()->selectionPolicy() == BandGrid::SelectionPolicy(2), true);
+        // Frozen where it stands: shown at the left edge, over the scrolling part.
+        QCOMPARE(view->isColumnFrozen(c), c == fixedColumn);
+    }
+    if (fixedColumn >= 0) {
+        QCOMPARE(view->frozenColumnCount(), 1);
+        QCOMPARE(view->horizontalHeader()->visualIndex(fixedColumn), 0);
+    }
+    QCOMPARE(view->alternatingRowColors(), !changed);
+    QCOMPARE(view->selectionBehavior() == QAbstractItemView::SelectItems, changed);
     QCOMPARE(view->options()->gridLines() == BandGrid::GridLines(BandGrid::HorizontalLines), fixedColumn >= 0);
 }
 

@@ -8,6 +8,6 @@
 class TFHOST_EXPORT TFGlobalCss
 {
 public:
-    // 0: tip background, 1: selection background, 2: selection text.
+    // 0: tip background, 1: link, 2: visited link.
     static QColor getTipsColorByIndex(int index);
 };

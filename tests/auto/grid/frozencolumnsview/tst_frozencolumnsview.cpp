@@ -14,7 +14,9 @@ private slots:
     void cleanup();
     void staysAtLeftWhileScrolled_data();
     void staysAtLeftWhileScrolled();
-    void onlyLeadingColumnsFreeze();
+    void anySetOfColumnsFreezes_data();
+    void anySetOfColumnsFreezes();
+    void bandOverAFrozenColumn();
     void hidingAFrozenColumnNarrowsTheOverlay();
     void rowsScrollTogether();
     void resizeInOverlayReachesMainView();
@@ -96,17 +98,87 @@ void tst_FrozenColumnsView::staysAtLeftWhileScrolled()
     QCOMPARE(m_view->cellRect(0, frozen).left(), frozen * kWidth - scrolled);
 }
 
-void tst_FrozenColumnsView::onlyLeadingColumnsFreeze()
+void tst_FrozenColumnsView::anySetOfColumnsFreezes_data()
 {
-    m_view->column(0)->setFixedKind(FixedKind::Left);
-    m_view->column(3)->setFixedKind(FixedKind::Left);
-    QCOMPARE(m_view->frozenColumnCount(), 1);
-    m_view->column(1)->setFixedKind(FixedKind::Left);
-    m_view->column(2)->setFixedKind(FixedKind::Left);
-    QCOMPARE(m_view->frozenColumnCount(), 4);
-    m_view->column(0)->setFixedKind(FixedKind::None);
-    QCOMPARE(m_view->frozenColumnCount(), 0);
-    QVERIFY(!m_view->frozenView()->isVisible());
+    QTest::addColumn<QVector<int>>("frozen");
+    QTest::addColumn<int>("sideways");
+    QTest::addColumn<int>("down");
+    QTest::newRow("a column in the middle") << QVector<int>{3} << 150 << 0;
+    QTest::newRow("two apart, scrolled both ways") << QVector<int>{2, 7} << 200 << 400;
+    QTest::newRow("first and last, scrolled to the ends") << QVector<int>{0, 11} << 100000 << 100000;
+}
+
+void tst_FrozenColumnsView::anySetOfColumnsFreezes()
+{
+    QFETCH(QVector<int>, frozen);
+    QFETCH(int, sideways);
+    QFETCH(int, down);
+    for (int c : frozen)
+        m_view->column(c)->setFixedKind(FixedKind::Left);
+    QCOMPARE(m_view->frozenColumnCount(), frozen.size());
+    QCOMPARE(m_view->frozenWidth(), frozen.size() * kWidth);
+    m_view->horizontalScrollBar()->setValue(sideways);
+    m_view->verticalScrollBar()->setValue(down);
+    QCoreApplication::processEvents();
+    const int scrolled = m_view->horizontalScrollBar()->value();
+    QVERIFY(scrolled > 0);
+
+    QTableView *overlay = m_view->frozenView();
+    QVERIFY(overlay->isVisible());
+    QCOMPARE(overlay->width(), frozen.size() * kWidth);
+    QCOMPARE(overlay->verticalScrollBar()->value(), m_view->verticalScrollBar()->value());
+    const int row = m_view->rowAt(m_view->viewport()->height() / 2);
+    QVERIFY(row > 0 || down == 0);
+    int firstScrolling = 0;
+    while (frozen.contains(firstScrolling))
+        ++firstScrolling;
+    const QRect scrolling = m_view->cellRect(row, firstScrolling);
+    for (int i = 0; i < frozen.size(); ++i) {
+        const int c = frozen.at(i);
+        // In the model's order at the left edge, caption over cell, row beside row.
+        QCOMPARE(m_view->viewportOf(c), overlay->viewport());
+        QCOMPARE(m_view->cellRect(row, c).left(), i * kWidth);
+        QCOMPARE(overlay->horizontalHeader()->sectionViewportPosition(c), i * kWidth);
+        QCOMPARE(m_view->cellRect(row, c).top(), scrolling.top());
+    }
+    // What shows there is the frozen cell, whatever scrolled beneath it.
+    m_model->item(row, frozen.last())->setBackground(QColor(Qt::red));
+    const QRect last = m_view->cellRect(row, frozen.last());
+    const QPoint probe = m_view->viewportOf(frozen.last())->mapTo(m_view, last.topRight() + QPoint(-3, 3));
+    QCOMPARE(m_view->grab().toImage().pixelColor(probe), QColor(Qt::red));
+
+    // The rest scrolls under the overlay from its edge.
+    QCOMPARE(scrolling.left(), frozen.size() * kWidth - scrolled);
+    QCOMPARE(m_view->horizontalHeader()->sectionViewportPosition(firstScrolling), scrolling.left());
+
+    // Thawed, every column is back in the model's order.
+    for (int c : frozen)
+        m_view->column(c)->setFixedKind(FixedKind::None);
+    QVERIFY(!overlay->isVisible());
+    for (int c = 0; c < kColumns; ++c)
+        QCOMPARE(m_view->horizontalHeader()->visualIndex(c), c);
+}
+
+void tst_FrozenColumnsView::bandOverAFrozenColumn()
+{
+    // A band over columns 2 to 4, of which 3 is frozen: the overlay shows
+    // the band over 3, the table over 2 and 4, side by side.
+    BandedTableView view;
+    view.setModel(m_model);
+    for (int c = 0; c < kColumns; ++c)
+        view.column(c)->setWidth(kWidth);
+    Band *band = view.addBand(QStringLiteral("band"));
+    for (int c = 2; c <= 4; ++c)
+        view.column(c)->setBandIndex(band->index());
+    view.column(3)->setFixedKind(FixedKind::Left);
+    view.resize(500, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    auto *overlayHeader = static_cast<BandHeaderView *>(view.frozenView()->horizontalHeader());
+    QCOMPARE(overlayHeader->bandRect(0), QRect(0, 0, kWidth, overlayHeader->captionRowHeight()));
+    const QRect scrolling = view.bandHeader()->bandRect(0);
+    QCOMPARE(scrolling.left(), view.bandHeader()->sectionViewportPosition(2));
+    QCOMPARE(scrolling.width(), 2 * kWidth);
 }
 
 void tst_FrozenColumnsView::hidingAFrozenColumnNarrowsTheOverlay()

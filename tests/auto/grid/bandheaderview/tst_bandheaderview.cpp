@@ -165,7 +165,8 @@ void tst_BandHeaderView::frozenHeaderMatchesMainHeight()
     auto *frozenHeader = static_cast<BandHeaderView *>(view.frozenView()->horizontalHeader());
     QCOMPARE(frozenHeader->bandRect(1), QRect(0, frozenHeader->captionRowHeight(), 50,
                                              frozenHeader->captionRowHeight()));
-    QCOMPARE(view.bandHeader()->bandRect(1).width(), 110);
+    // The table's own header spans the band over the part that scrolls.
+    QCOMPARE(view.bandHeader()->bandRect(1).width(), 60);
 }
 
 void tst_BandHeaderView::bandNestingRefusesCycles()
