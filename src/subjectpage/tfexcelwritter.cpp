@@ -184,7 +184,7 @@ bool TFExcelWritter::writeData(TFXlsxDocument &doc, TFTreeStruct *header, const 
                 format = asDate;
                 break;
             default:
-                if (!isPlainType(type))
+                if (!value.isNull() && !isPlainType(type))
                     ++unexpected;
                 break;
             }
