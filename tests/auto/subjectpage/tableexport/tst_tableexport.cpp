@@ -334,7 +334,7 @@ void tst_TableExport::exportWithDialog()
     std::unique_ptr<TFSubjectTableWidget> widget(openView(viewId, &frame));
     QVERIFY(widget);
     frame.show();
-    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 90000);
     const int rows = expectedRowCount(widget.get());
     QVERIFY(rows > 0);
 
@@ -344,7 +344,7 @@ void tst_TableExport::exportWithDialog()
         actions.append(clickOk);
     answerDialogs(actions);
     emit widget->filterWidget()->signalSimpleButtonSaveToExcel(1, QString());
-    QTRY_COMPARE_WITH_TIMEOUT(m_seen.size(), 1 + boxes.size(), 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_seen.size(), 1 + boxes.size(), 90000);
     // Nothing further comes up.
     QTest::qWait(200);
     QCOMPARE(m_seen.size(), 1 + boxes.size());
@@ -403,11 +403,11 @@ void tst_TableExport::exportBesideTheApplication()
     std::unique_ptr<TFSubjectTableWidget> widget(openView(260, &frame));
     QVERIFY(widget);
     frame.show();
-    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 90000);
 
     answerDialogs({clickOk});
     emit widget->filterWidget()->signalSimpleButtonSaveToExcel(0, QStringLiteral("unused"));
-    QTRY_COMPARE_WITH_TIMEOUT(m_opened.size(), 1, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_opened.size(), 1, 90000);
     QCOMPARE(m_opened.first().toLocalFile(), expected);
     QVERIFY(m_seen.isEmpty());
     const WorkbookReader sheet(expected);
@@ -438,12 +438,12 @@ void tst_TableExport::exportToFile()
     std::unique_ptr<TFSubjectTableWidget> widget(openView(viewId, nullptr));
     QVERIFY(widget);
     widget->show();
-    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(widget->timeLabel()->text().startsWith(QStringLiteral("耗时")), 90000);
     const int rows = expectedRowCount(widget.get());
 
     QSignalSpy done(widget.get(), &TFSubjectTableWidget::signalExportFinished);
     widget->exportToFile(dir.filePath(file));
-    QTRY_COMPARE_WITH_TIMEOUT(done.size(), 1, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(done.size(), 1, 90000);
     QCOMPARE(done.first().at(0).toBool(), ok);
     QVERIFY(m_seen.isEmpty());
     if (!ok) {
@@ -494,7 +494,7 @@ void tst_TableExport::longExportShowsProgressAndCancels()
         header.addChild(new TFTreeStruct(info));
     }
     QList<QList<QVariant>> rows;
-    for (int i = 0; i < 40 * TFSubjectTableWidget::progressRowCount; ++i)
+    for (int i = 0; i < 10 * TFSubjectTableWidget::progressRowCount; ++i)
         rows.append(QList<QVariant>{1.5, QStringLiteral("text"), 7});
     TFSubjectTableWidget widget(nullptr, true);
     widget.show();

@@ -66,12 +66,12 @@ QString tst_TerminalExport::exportHere(qint64 viewId)
     widget.reset(viewId);
     widget.parseConfig(response.data, true);
     widget.show();
-    if (!QTest::qWaitFor([&] { return widget.timeLabel()->text().startsWith(QStringLiteral("耗时")); }, 30000))
+    if (!QTest::qWaitFor([&] { return widget.timeLabel()->text().startsWith(QStringLiteral("耗时")); }, 90000))
         return QString();
     QSignalSpy done(&widget, &TFSubjectTableWidget::signalExportFinished);
     const QString path = m_dir.filePath(QStringLiteral("here-%1.xlsx").arg(viewId));
     widget.exportToFile(path);
-    if (!done.wait(30000) || !done.first().at(0).toBool())
+    if (!done.wait(90000) || !done.first().at(0).toBool())
         return QString();
     return path;
 }
