@@ -27,6 +27,9 @@ struct Parser
             {QStringLiteral("screenshot"), QStringLiteral("Save a picture of the window once the page has settled, then exit 0;\n"
                                                           "exit 4 if it has not settled within 60 s."), QStringLiteral("FILE.png")},
             {QStringLiteral("settle-ms"), QStringLiteral("Quiet time without requests that counts as settled (default 1500)."), QStringLiteral("N")},
+            {QStringLiteral("export"), QStringLiteral("Once the page has settled, export its main table as the export button\n"
+                                                      "would, to FILE without a dialog, then exit 0; exit 1 when there is\n"
+                                                      "no table or FILE cannot be written."), QStringLiteral("FILE.xlsx")},
             {QStringLiteral("screen"), QStringLiteral("Open a composite screen: components by factory class name\nsharing global arguments; see README."), QStringLiteral("FILE.json")},
             {QStringLiteral("plugins"), QStringLiteral("Folder of plug-ins (default plugins/ beside the binary)."), QStringLiteral("DIR")},
         });
@@ -62,7 +65,8 @@ QString CommandLine::helpText()
     Parser p;
     QString text = p.parser.helpText();
     text += QStringLiteral("\nExit status: 0 done, 2 bad arguments, 3 a plug-in or its page did not load,\n"
-                           "4 the page did not settle in time for --screenshot.\n");
+                           "4 the page did not settle in time for --screenshot or --export; 1 the\n"
+                           "page had no table or the workbook could not be written for --export.\n");
     return text;
 }
 
@@ -149,14 +153,24 @@ CommandLine::Result CommandLine::parse(const QStringList &arguments)
         const QString text = parser.value(QStringLiteral("settle-ms"));
         if (!readInt(text, 0, 60000, &options.settleMs))
             return failure(QStringLiteral("--settle-ms must be a whole number from 0 to 60000, got \"%1\"").arg(text));
-        if (options.screenshotFile.isEmpty())
-            return failure(QStringLiteral("--settle-ms only makes sense with --screenshot"));
     }
+
+    if (parser.isSet(QStringLiteral("export"))) {
+        options.exportFile = parser.value(QStringLiteral("export"));
+        if (!options.exportFile.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive) || options.exportFile.size() <= 5)
+            return failure(QStringLiteral("--export needs a .xlsx file name, got \"%1\"").arg(options.exportFile));
+        if (!options.screenshotFile.isEmpty())
+            return failure(QStringLiteral("--export and --screenshot cannot be combined"));
+    }
+    if (parser.isSet(QStringLiteral("settle-ms")) && options.screenshotFile.isEmpty() && options.exportFile.isEmpty())
+        return failure(QStringLiteral("--settle-ms only makes sense with --screenshot or --export"));
 
     if (parser.isSet(QStringLiteral("screen"))) {
         options.screenFile = parser.value(QStringLiteral("screen"));
         if (options.screenFile.isEmpty())
             return failure(QStringLiteral("--screen needs a file name"));
+        if (!options.exportFile.isEmpty())
+            return failure(QStringLiteral("--export exports a page, not a composite screen"));
     }
 
     if (parser.isSet(QStringLiteral("plugins"))) {

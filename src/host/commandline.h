@@ -18,6 +18,7 @@ struct TerminalOptions
     QString logFile;
     QString screenshotFile;
     int settleMs = 1500;
+    QString exportFile;      // --export: the workbook to write
     QString screenFile;
     QString pluginDirectory; // empty: plugins/ beside the binary
 };

@@ -5,6 +5,7 @@
 #include "logfile.h"
 #include "pluginloader.h"
 #include "screenshotter.h"
+#include "tableexporter.h"
 #include "terminalwindow.h"
 
 #include "tfcore/tfappconfig.h"
@@ -15,6 +16,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QStandardPaths>
+#include <QTabWidget>
 #include <QTextStream>
 
 #include <cstdio>
@@ -134,7 +136,18 @@ int main(int argc, char *argv[])
         shooter->start();
     }
 
+    TableExporter *exporter = nullptr;
+    if (!options.exportFile.isEmpty()) {
+        exporter = new TableExporter(window.tabs()->currentWidget(), options.exportFile, options.settleMs, 60000, &app);
+        QObject::connect(exporter, &TableExporter::finished, &app, [&exitCode](int code, const QString &message) {
+            exitCode = code;
+            QTextStream(code == Done ? stdout : stderr) << (code == Done ? "" : "subject-terminal: ") << message << '\n';
+            QCoreApplication::exit(code);
+        });
+        exporter->start();
+    }
+
     const int result = app.exec();
     LogFile::uninstall();
-    return shooter ? exitCode : result;
+    return shooter || exporter ? exitCode : result;
 }

@@ -2,7 +2,10 @@
 
 #include "tfmenucfg.h"
 #include "tfqsscommon.h"
+#include "tfmainview.h"
+#include "tfrightcontainer.h"
 #include "tfsubjectmainframe.h"
+#include "tfsubjecttablewidget.h"
 
 #include "tfcore/tfcore.h"
 
@@ -10,6 +13,7 @@
 #include <QHBoxLayout>
 #include <QMap>
 #include <QPainter>
+#include <QStackedWidget>
 #include <QStyleOption>
 #include <QUrlQuery>
 
@@ -157,4 +161,22 @@ void TFSubjectPage::paintEvent(QPaintEvent *event)
     option.initFrom(this);
     QPainter painter(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+bool TFSubjectPage::exportMainTable(const QString &fileName, QString &error)
+{
+    // The right side shows the data page, not a web page, and its main view
+    // is a table with columns.
+    TFRightContainer *container = m_mainFrame->rightContainer();
+    QStackedWidget *stack = m_mainFrame->stack();
+    TFMainView *mainView = container ? container->mainView() : nullptr;
+    auto *table = mainView ? qobject_cast<TFSubjectTableWidget *>(mainView->currentView()) : nullptr;
+    if (!table || (stack && stack->currentIndex() != 0) || !table->isVisibleTo(this)) {
+        error = tr("the page shows no table");
+        return false;
+    }
+    connect(table, &TFSubjectTableWidget::signalExportFinished, this, &TFSubjectPage::signalExportFinished,
+            Qt::UniqueConnection);
+    table->exportToFile(fileName);
+    return true;
 }

@@ -42,6 +42,12 @@ public:
     bool parseUrl(const QUrl &url);
     TFSubjectMainFrame *mainFrame() const { return m_mainFrame; }
 
+    // For the host, which calls it by name: exports the table of the main
+    // view to fileName as its export button would, without a dialog. False,
+    // with error set, when the page shows no table; otherwise
+    // signalExportFinished follows.
+    Q_INVOKABLE bool exportMainTable(const QString &fileName, QString &error);
+
     QColor headerBorderColor() const { return m_headerBorderColor; }
     void setHeaderBorderColor(const QColor &color);
     QColor headerSplitColor() const { return m_headerSplitColor; }
@@ -52,6 +58,7 @@ public:
 signals:
     void signalWindowIconChanged(QIcon icon);
     void signalWindowTitleChanged(QString title);
+    void signalExportFinished(bool ok, QString message);
 
 public slots:
     void slotChangeWindowTitle(QString title);

@@ -1,7 +1,9 @@
 #include "tfsubjecttablewidget.h"
 
+#include "tfexcelwritter.h"
 #include "tfrightcontainer.h"
 #include "tfsubjectmainframe.h"
+#include "tfxlsxdocument.h"
 
 #include "filterwidget/tffilterwidget.h"
 #include "jsonparser/tfjsonparser.h"
@@ -17,12 +19,25 @@
 #include "tfcore/invokerbase.h"
 #include "tfcore/tfcore.h"
 
+#include <QCoreApplication>
 #include <QDebug>
+#include <QDesktopServices>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
+#include <QProgressDialog>
+#include <QStandardPaths>
+#include <QThread>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -74,8 +89,8 @@ void TFSubjectTableWidget::createConnections()
     connect(m_filterWidget, &TFFilterWidget::sigGetDataButtonClicked, this, &TFSubjectTableWidget::queryData);
     connect(m_paginationBar, &TFPaginationBar::signalCurrentPageChanged, this,
             [this](int page, int size) { pageRequest(page, size, false); });
-    // The export of a table to a workbook comes with the workbook writer;
-    // until then its command reaches no flow.
+    connect(m_filterWidget, QOverload<int, QString>::of(&TFFilterWidget::signalSimpleButtonSaveToExcel), this,
+            &TFSubjectTableWidget::exportToExcel);
 }
 
 void TFSubjectTableWidget::initLayout()
@@ -499,4 +514,236 @@ void TFSubjectTableWidget::showMessage(QString errorMsg, QString link)
     box.setWindowTitle(errorMsg);
     box.setText(link);
     box.exec();
+}
+
+// Export
+
+void TFSubjectTableWidget::requestExportRows(std::function<void(const QList<QList<QVariant>> &)> done,
+                                             std::function<void(const QString &)> failed)
+{
+    if (!m_dm) {
+        failed(tr("the view has no service"));
+        return;
+    }
+    // The export always takes every row of the current filters.
+    const TFUc::TFPaging paging{true, int(m_paginationBar->currentPage()), int(m_paginationBar->perCount())};
+    const TFUc::TFRequestContent content = TFUc::viewDataRequest(viewId(), toParams(params()), filters(), paging);
+    m_dm->start(content, [this, done, failed](bool isOk, const QByteArray &data) {
+        if (!isOk) {
+            qDebug() << "isOk:" << false << data;
+            failed(tr("the service did not answer: %1").arg(QString::fromUtf8(data.left(200))));
+            return;
+        }
+        QList<QList<QVariant>> rows;
+        if (!m_parser->parseData(data, &rows, m_header)) {
+            qWarning() << "parse data failed";
+            failed(tr("the service's reply holds no rows"));
+            return;
+        }
+        done(rows);
+    });
+}
+
+void TFSubjectTableWidget::exportToExcel(int type, const QString &saveType)
+{
+    Q_UNUSED(saveType)
+    requestExportRows(
+        [this, type](const QList<QList<QVariant>> &rows) {
+            const QString start = QDir(QCoreApplication::applicationDirPath()).filePath(exportFileName());
+            if (type != 0) {
+                // The filter's misspelt suffix is the program's own.
+                const QString path = QFileDialog::getSaveFileName(this, tr("选择文件"), start, tr("Excel (*.xlxs)"));
+                if (path.isEmpty())
+                    return;
+                saveToExcel(path, m_header, rows, this);
+            } else {
+                saveToExcel(uniqueFileName(start), m_header, rows);
+            }
+        },
+        [](const QString &) {});
+}
+
+void TFSubjectTableWidget::exportToFile(const QString &fileName)
+{
+    if (m_header->leaves().isEmpty()) {
+        emit signalExportFinished(false, tr("the view has no table to export"));
+        return;
+    }
+    requestExportRows(
+        [this, fileName](const QList<QList<QVariant>> &rows) {
+            QString error;
+            if (saveWorkbook(fileName, m_header, rows, nullptr, Silent, &error))
+                emit signalExportFinished(true, tr("%1 rows written to %2").arg(rows.size()).arg(fileName));
+            else
+                emit signalExportFinished(false, error);
+        },
+        [this](const QString &error) { emit signalExportFinished(false, error); });
+}
+
+QString TFSubjectTableWidget::exportFileName() const
+{
+    QString name;
+    for (QObject *up = parent(); up; up = up->parent()) {
+        if (auto *frame = qobject_cast<TFSubjectMainFrame *>(up)) {
+            name = frame->windowTitle();
+            break;
+        }
+    }
+    // ":" cannot stand in a file name on the desktop; nor can a folder
+    // separator here.
+    name.replace(QLatin1Char(':'), QLatin1Char('_'));
+    name.replace(QLatin1Char('/'), QLatin1Char('_'));
+    if (name.isEmpty())
+        name = tr("新建工作簿");
+    return name + QStringLiteral(".xlsx");
+}
+
+QString TFSubjectTableWidget::defaultSavePath(const QDateTime &now)
+{
+    // "MM" twice: the second stands where the minutes would be.
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + QDir::separator()
+        + QStringLiteral("新建工作簿_") + now.toString(QStringLiteral("yyyyMMddhhMMss"));
+}
+
+QString TFSubjectTableWidget::uniqueFileName(const QString &path)
+{
+    QString current = path;
+    while (QFile::exists(current)) {
+        // An older export is overwritten without a word.
+        if (QFile::remove(current))
+            break;
+        // In use: a numbered name. A name that ends with ")" gets "(1)"
+        // more, so a becomes a(1) and a(1) becomes a(1)(1); the suffix
+        // follows without its dot.
+        const QFileInfo info(current);
+        const QString base = info.baseName();
+        QString next;
+        if (base.endsWith(QLatin1Char(')'))) {
+            next = base + QStringLiteral("(1)");
+        } else {
+            const int i = base.lastIndexOf(QLatin1Char('('));
+            const int j = base.lastIndexOf(QLatin1Char(')'));
+            bool ok = false;
+            int number = base.mid(i, j).toInt(&ok, 10);
+            if (!ok)
+                number = 0;
+            next = QStringLiteral("%1(%2)").arg(base.left(i)).arg(number + 1);
+        }
+        current = info.dir().filePath(next + info.completeSuffix());
+    }
+    return current;
+}
+
+bool TFSubjectTableWidget::saveToExcel(const QString &path, TFTreeStruct *header,
+                                       const QList<QList<QVariant>> &rows, QWidget *parent)
+{
+    return saveWorkbook(path, header, rows, parent, ShowMessage);
+}
+
+bool TFSubjectTableWidget::saveToExcel(const QString &path, TFTreeStruct *header,
+                                       const QList<QList<QVariant>> &rows)
+{
+    return saveWorkbook(path, header, rows, nullptr, OpenFile);
+}
+
+bool TFSubjectTableWidget::saveWorkbook(QString path, TFTreeStruct *header, const QList<QList<QVariant>> &rows,
+                                        QWidget *parent, SaveMode mode, QString *error)
+{
+    const bool interactive = mode != Silent;
+    auto refuse = [&](const QString &text) {
+        if (error)
+            *error = text;
+        if (interactive)
+            QMessageBox::warning(parent, tr("保存失败"), text, QMessageBox::Ok);
+        else
+            qWarning().noquote() << text;
+        return false;
+    };
+
+    if (path.isEmpty() && interactive) {
+        path = QFileDialog::getSaveFileName(nullptr, tr("文件保存"), defaultSavePath(QDateTime::currentDateTime()),
+                                            tr("Excel工作簿(*.xlsx)"));
+        if (path.isEmpty())
+            return refuse(tr("u8用户已取消"));
+    }
+    if (path.isEmpty())
+        return refuse(tr("no file name"));
+    if (!path.endsWith(QLatin1String(".xlsx")))
+        path += QStringLiteral(".xlsx");
+
+    // A file that exists must take writing; it is not emptied here, so
+    // that a failed or cancelled export leaves it as it was.
+    if (QFileInfo::exists(path)) {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+            return refuse(interactive ? tr("文件处于占用状态") : tr("cannot write \"%1\": %2").arg(path, file.errorString()));
+        file.close();
+    }
+
+    TFXlsxDocument doc(path);
+    if (!doc.isOpen())
+        return refuse(tr("文件无法写入: %1").arg(doc.errorString()));
+    if (!TFExcelWritter::writeHeader(doc, header))
+        return refuse(tr("u8写入表头失败"));
+
+    // A long table shows its progress, keeps the window painting and can
+    // be cancelled; the file appears only when the workbook is complete.
+    QPointer<TFSubjectTableWidget> self(this);
+    QPointer<QProgressDialog> progress;
+    if (interactive && rows.size() >= progressRowCount) {
+        progress = new QProgressDialog(tr("正在写入工作簿..."), tr("取消"), 0, rows.size(), this);
+        progress->setWindowTitle(tr("导出到 Excel"));
+        progress->setWindowModality(Qt::WindowModal);
+        progress->setMinimumDuration(0);
+        progress->setAutoReset(false);
+        progress->setAutoClose(false);
+        progress->setValue(0);
+    }
+    auto cancelled = [&] { return !self || (progress && progress->wasCanceled()); };
+    const bool written = TFExcelWritter::writeData(doc, header, rows, [&](int done, int) {
+        if (progress)
+            progress->setValue(done);   // a modal dialog processes events here
+        return !cancelled();
+    });
+    if (!written) {
+        doc.discard();
+        const bool stopped = cancelled();
+        delete progress;
+        if (!self)
+            return false;
+        return refuse(stopped ? tr("u8用户已取消") : tr("u8写入内容失败"));
+    }
+
+    // Packing the workbook takes a while for a long table: it runs beside
+    // the event loop while the dialog waits.
+    bool finished = false;
+    if (progress) {
+        progress->setLabelText(tr("正在保存..."));
+        progress->setRange(0, 0);
+        QEventLoop loop;
+        QThread *worker = QThread::create([&doc, &finished] { finished = doc.finish(); });
+        QObject::connect(worker, &QThread::finished, &loop, &QEventLoop::quit);
+        worker->start();
+        loop.exec();
+        worker->wait();
+        delete worker;
+    } else {
+        finished = doc.finish();
+    }
+    const bool stopped = cancelled();
+    delete progress;
+    if (stopped) {
+        doc.discard();
+        if (!self)
+            return false;
+        return refuse(tr("u8用户已取消"));
+    }
+    if (!finished || !doc.commit())
+        return refuse(tr("文件无法写入: %1").arg(doc.errorString()));
+
+    if (mode == ShowMessage)
+        QMessageBox::information(parent, tr("保存成功"), tr("文件保存成功"), QMessageBox::Ok);
+    else if (mode == OpenFile)
+        QDesktopServices::openUrl(QUrl::fromUserInput(path));
+    return true;
 }

@@ -4,8 +4,13 @@
 
 #include "net/tfuc.h"
 
+#include <QDateTime>
+#include <QList>
 #include <QPair>
 #include <QTime>
+#include <QVariant>
+
+#include <functional>
 
 class QFrame;
 class QLabel;
@@ -79,6 +84,32 @@ public:
 
     static bool sameContent(const TFUc::TFRequestContent &a, const TFUc::TFRequestContent &b);
 
+    // Export to a workbook. The export button's flow fetches every row of
+    // the current filters, names the file after the page and either asks
+    // where to save it (type other than 0) or saves it beside the
+    // application and opens it (type 0).
+    void exportToExcel(int type, const QString &saveType);
+    // The same rows and the same workbook, written to fileName without a
+    // dialog or message; signalExportFinished tells how it went.
+    void exportToFile(const QString &fileName);
+
+    // The two savings of the export: the first tells the user it is done,
+    // the second opens the file. An empty path asks for one.
+    bool saveToExcel(const QString &path, TFTreeStruct *header, const QList<QList<QVariant>> &rows,
+                     QWidget *parent);
+    bool saveToExcel(const QString &path, TFTreeStruct *header, const QList<QList<QVariant>> &rows);
+
+    // The file name the export proposes: the page's title with ":" made "_",
+    // or "新建工作簿", and ".xlsx".
+    QString exportFileName() const;
+    // Where the saving proposes to save when it is given no path.
+    static QString defaultSavePath(const QDateTime &now);
+    // A path that is free to write: an older file is removed; one that
+    // cannot be removed is in use and gives way to a numbered name.
+    static QString uniqueFileName(const QString &path);
+    // Tables of at least this many rows show the progress of their writing.
+    static constexpr int progressRowCount = 2000;
+
 signals:
     void signalGetSubViewCfg(qlonglong objectViewID, QString caption, qlonglong pObjViewID);
     void sigSectorNumChanged(QString block, QString rootItem);
@@ -87,6 +118,8 @@ signals:
     void updateChildren();
     void clearChildren();
     void signalCurrentPageChanged(int currentPage);
+    // An export to a named file is over: ok, or what went wrong.
+    void signalExportFinished(bool ok, QString message);
 
 public slots:
     void showMessage(QString errorMsg, QString link);
@@ -102,6 +135,11 @@ private:
     void setDataCount(int total, int pageIndex, int pageSize);
     void clearParserData();
     bool isOrder() const;
+    void requestExportRows(std::function<void(const QList<QList<QVariant>> &rows)> done,
+                           std::function<void(const QString &error)> failed);
+    enum SaveMode { ShowMessage, OpenFile, Silent };
+    bool saveWorkbook(QString path, TFTreeStruct *header, const QList<QList<QVariant>> &rows,
+                      QWidget *parent, SaveMode mode, QString *error = nullptr);
 
     bool m_isMain;
     bool m_filterBarVisible;

@@ -18,6 +18,8 @@
 #include <QJsonObject>
 #include <QJsonParseError>
 
+#include <memory>
+
 namespace TFSubject {
 
 ExpressionParse* TFJsonParser::expressionParse()
@@ -107,12 +109,13 @@ bool TFJsonParser::parseData(const QByteArray& json, QList<QList<QVariant>>* out
     for (const TFTreeStruct* leaf : leaves)
         qDebug() << "header: " << leaf->displayCaption() << leaf->info().columnType << leaf->info().visible;
 
-    // The export evaluates derived cells with a parser of its own.
-    ExpressionParse* local = nullptr;
+    // The export evaluates each derived cell with a parser made for that
+    // one call, never the parser's own: nothing that one formula leaves in
+    // a script engine reaches the next.
+    std::unique_ptr<ExpressionParse> local;
     TFUnboundExpression unbound([&local] {
-        if (!local)
-            local = new ExpressionParse;
-        return local;
+        local.reset(new ExpressionParse);
+        return local.get();
     });
     const bool cross = usesCrossColumns(viewConfigTable(), summaryTable());
     const TFSummaryJsonTable* summary = summaryTable();
@@ -135,7 +138,6 @@ bool TFJsonParser::parseData(const QByteArray& json, QList<QList<QVariant>>* out
         if (out)
             out->append(values);
     }
-    delete local;
     return true;
 }
 

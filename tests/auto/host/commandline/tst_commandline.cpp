@@ -62,6 +62,8 @@ void tst_CommandLine::options_data()
     QTest::newRow("settle-ms") << QStringList{"--screenshot", "a.png", "--settle-ms", "250"} << "settleMs" << "250";
     QTest::newRow("settle-ms 0") << QStringList{"--screenshot", "a.png", "--settle-ms", "0"} << "settleMs" << "0";
     QTest::newRow("screen") << QStringList{"--screen", "zhp.json"} << "screenFile" << "zhp.json";
+    QTest::newRow("export") << QStringList{"--export", "out.XLSX"} << "exportFile" << "out.XLSX";
+    QTest::newRow("export settle-ms") << QStringList{"--export", "a.xlsx", "--settle-ms", "7"} << "settleMs" << "7";
     QTest::newRow("plugins") << QStringList{"--plugins", "/opt/p"} << "pluginDirectory" << "/opt/p";
     QTest::newRow("last of two wins") << QStringList{"--skin", "black", "--skin", "white"} << "skin" << "white";
 }
@@ -87,6 +89,7 @@ void tst_CommandLine::options()
         {"settleMs", QString::number(o.settleMs)},
         {"screenFile", o.screenFile},
         {"pluginDirectory", o.pluginDirectory},
+        {"exportFile", o.exportFile},
     };
     QVERIFY(actual.contains(field));
     QCOMPARE(actual.value(field), expected);
@@ -114,6 +117,10 @@ void tst_CommandLine::badArguments_data()
     QTest::newRow("settle-ms negative") << QStringList{"--screenshot", "a.png", "--settle-ms", "-1"} << "--settle-ms";
     QTest::newRow("settle-ms too long") << QStringList{"--screenshot", "a.png", "--settle-ms", "60001"} << "--settle-ms";
     QTest::newRow("settle-ms alone") << QStringList{"--settle-ms", "10"} << "--settle-ms";
+    QTest::newRow("export not xlsx") << QStringList{"--export", "out.xls"} << "--export";
+    QTest::newRow("export only suffix") << QStringList{"--export", ".xlsx"} << "--export";
+    QTest::newRow("export and screenshot") << QStringList{"--export", "a.xlsx", "--screenshot", "a.png"} << "--export";
+    QTest::newRow("export of a screen") << QStringList{"--export", "a.xlsx", "--screen", "s.json"} << "--export";
     QTest::newRow("page-url not view") << QStringList{"http://example.org/"} << "page-url";
     QTest::newRow("two page-urls") << QStringList{"view://subjectpage?a=1", "view://subjectpage?a=2"} << "page-url";
     QTest::newRow("empty log") << QStringList{"--log", ""} << "--log";
@@ -136,7 +143,7 @@ void tst_CommandLine::help()
     QCOMPARE(result.outcome, CommandLine::ShowHelp);
     QCOMPARE(result.exitCode, 0);
     const QStringList options{"--service", "--token", "--user", "--product", "--skin", "--size", "--log",
-                              "--screenshot", "--settle-ms", "--screen", "--plugins", "page-url"};
+                              "--screenshot", "--settle-ms", "--export", "--screen", "--plugins", "page-url"};
     for (const QString &option : options)
         QVERIFY2(result.message.contains(option), qPrintable(option));
 }

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStringList>
+
+// A workbook as an independent reader sees it: Debian's python3 with
+// openpyxl reads it, through readworkbook.py beside this header (a suite
+// names it in WORKBOOK_READER).
+struct WorkbookReader
+{
+    QJsonObject cells;
+    QStringList merges;
+    QJsonObject widths;
+    QString error;
+
+    explicit WorkbookReader(const QString &path)
+    {
+        const QString script = QStringLiteral(WORKBOOK_READER);
+        QProcess python;
+        python.start(QStringLiteral("/usr/bin/python3"), {script, path});
+        if (!python.waitForFinished(60000) || python.exitCode() != 0) {
+            error = QString::fromUtf8(python.readAllStandardError()) + python.errorString();
+            return;
+        }
+        const QJsonObject sheet = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+        cells = sheet.value(QLatin1String("cells")).toObject();
+        for (const QJsonValue &merge : sheet.value(QLatin1String("merges")).toArray())
+            merges.append(merge.toString());
+        widths = sheet.value(QLatin1String("widths")).toObject();
+    }
+
+    bool ok() const { return error.isEmpty(); }
+    QJsonObject cell(const QString &name) const { return cells.value(name).toObject(); }
+    // The value as text: numbers as QString::number writes them, dates in
+    // ISO form, booleans as true/false; empty for a cell that is not there.
+    QString text(const QString &name) const
+    {
+        const QJsonValue value = cell(name).value(QLatin1String("value"));
+        if (value.isDouble())
+            return QString::number(value.toDouble(), 'g', 15);
+        if (value.isBool())
+            return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+        return value.toString();
+    }
+    QString format(const QString &name) const { return cell(name).value(QLatin1String("format")).toString(); }
+    // Every cell with a value, as "A1=text", sorted by name.
+    QStringList all() const
+    {
+        QStringList list;
+        for (auto it = cells.constBegin(); it != cells.constEnd(); ++it)
+            list.append(it.key() + QLatin1Char('=') + text(it.key()));
+        return list;
+    }
+};

@@ -1,0 +1,367 @@
+#include "tfexcelwritter.h"
+#include "tfxlsxdocument.h"
+
+#include "mulittable/tfheaderdatastruct.h"
+
+#include "workbookreader.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+using Rows = QList<QVariantList>;
+Q_DECLARE_METATYPE(Rows)
+
+namespace {
+
+// A header from a compact list: "A,G,B<G,C<G" makes A and G top level and
+// B, C columns of band G; "~B" hides leaf B after the tree is built (as the
+// hidden group leaf is); captions are the field names.
+std::unique_ptr<TFTreeStruct> header(const QString &spec, bool grouped = false)
+{
+    QSet<QString> bands;
+    const QStringList items = spec.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (const QString &item : items) {
+        if (item.contains(QLatin1Char('<')))
+            bands.insert(item.section(QLatin1Char('<'), 1));
+    }
+    QList<HeaderFieldInfo> fields;
+    QStringList hidden;
+    for (QString item : items) {
+        if (item.startsWith(QLatin1Char('~'))) {
+            item.remove(0, 1);
+            hidden.append(item.section(QLatin1Char('<'), 0, 0));
+        }
+        HeaderFieldInfo info;
+        info.fieldName = info.caption = item.section(QLatin1Char('<'), 0, 0);
+        info.ownerBand = item.section(QLatin1Char('<'), 1);
+        info.visible = true;
+        if (bands.contains(info.fieldName))
+            info.columnType = QStringLiteral("Band");
+        fields.append(info);
+    }
+    std::unique_ptr<TFTreeStruct> root(new TFTreeStruct(QString()));
+    buildHeaderTree(root.get(), fields, grouped, QStringLiteral("GRP"));
+    for (const QString &name : hidden)
+        root->findField(name)->info().visible = false;
+    return root;
+}
+
+template<typename T>
+QList<T> repeated(int n, const T &item)
+{
+    QList<T> list;
+    for (int i = 0; i < n; ++i)
+        list.append(item);
+    return list;
+}
+
+QStringList sorted(QStringList list)
+{
+    list.sort();
+    return list;
+}
+
+} // namespace
+
+class tst_TFExcelWritter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void columnLetters_data();
+    void columnLetters();
+    void table_data();
+    void table();
+    void numberFormats_data();
+    void numberFormats();
+    void texts_data();
+    void texts();
+    void nothingHalfWritten_data();
+    void nothingHalfWritten();
+
+private:
+    QString write(TFTreeStruct *tree, const Rows &rows, const QString &name = QStringLiteral("t.xlsx"));
+    QTemporaryDir m_dir;
+};
+
+void tst_TFExcelWritter::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    // The writer logs a line per header node; the suite needs none of them.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+}
+
+QString tst_TFExcelWritter::write(TFTreeStruct *tree, const Rows &rows, const QString &name)
+{
+    const QString path = m_dir.filePath(name);
+    TFXlsxDocument doc(path);
+    if (!TFExcelWritter::writeHeader(doc, tree) || !TFExcelWritter::writeData(doc, tree, rows) || !doc.save())
+        return QString();
+    return path;
+}
+
+void tst_TFExcelWritter::columnLetters_data()
+{
+    QTest::addColumn<int>("col");
+    QTest::addColumn<QString>("letters");
+    QTest::newRow("first") << 1 << "A";
+    QTest::newRow("Z") << 26 << "Z";
+    QTest::newRow("AA") << 27 << "AA";
+    QTest::newRow("AZ") << 52 << "AZ";
+    QTest::newRow("BA") << 53 << "BA";
+    QTest::newRow("CZ, the last of 104") << 104 << "CZ";
+    QTest::newRow("beyond: DA") << 105 << "DA";
+    QTest::newRow("ZZ") << 702 << "ZZ";
+    QTest::newRow("AAA") << 703 << "AAA";
+    QTest::newRow("last column of a sheet") << 16384 << "XFD";
+}
+
+void tst_TFExcelWritter::columnLetters()
+{
+    QFETCH(int, col);
+    QFETCH(QString, letters);
+    QCOMPARE(TFExcelWritter::columnLetters(col), letters);
+    QCOMPARE(TFExcelWritter::cellName(7, col), letters + QLatin1Char('7'));
+}
+
+void tst_TFExcelWritter::table_data()
+{
+    QTest::addColumn<QString>("spec");
+    QTest::addColumn<bool>("grouped");
+    QTest::addColumn<Rows>("rows");
+    QTest::addColumn<QStringList>("cells");
+    QTest::addColumn<QStringList>("merges");
+    QTest::addColumn<QString>("widths");      // the columns given width 25
+
+    QTest::newRow("flat: one header row, data from row 2")
+        << "A,B,C" << false << Rows{{1.5, QStringLiteral("x"), 2}, {3, QStringLiteral("y"), 4}}
+        << QStringList{"A1=A", "B1=B", "C1=C", "A2=1.5", "B2=x", "C2=2", "A3=3", "B3=y", "C3=4"}
+        << QStringList() << "ABC";
+    QTest::newRow("banded: band merged over its two leaves, flat columns at the bottom row")
+        << "A,G,B<G,C<G,D" << false << Rows{{1, 2, 3, 4}}
+        << QStringList{"A2=A", "B1=G", "B2=B", "C2=C", "D2=D", "A3=1", "B3=2", "C3=3", "D3=4"}
+        << QStringList{"B1:C1"} << "ABCD";
+    QTest::newRow("two levels of bands")
+        << "A,H,G<H,B<G,C<G,E<H" << false << Rows{{1, 2, 3, 4}}
+        << QStringList{"A3=A", "B1=H", "B2=G", "B3=B", "C3=C", "D3=E", "A4=1", "B4=2", "C4=3", "D4=4"}
+        << QStringList{"B1:D1", "B2:C2"} << "ABCD";
+    QTest::newRow("band of one leaf: no merge")
+        << "G,B<G,C" << false << Rows{{1, 2}}
+        << QStringList{"A1=G", "A2=B", "B2=C", "A3=1", "B3=2"} << QStringList() << "AB";
+    QTest::newRow("hidden leaf: its header column stays empty, the data close up")
+        << "A,~B,C" << false << Rows{{1, 2, 3}}
+        << QStringList{"A1=A", "C1=C", "A2=1", "B2=3"} << QStringList() << "AB";
+    QTest::newRow("hidden leaf in a band: the band still spans it")
+        << "G,A<G,~B<G,C" << false << Rows{{1, 2, 3}}
+        << QStringList{"A1=G", "A2=A", "C2=C", "A3=1", "B3=3"} << QStringList{"A1:B1"} << "AB";
+    QTest::newRow("grouped: the group field is a hidden leaf at the far right")
+        << "A,G,B<G" << true << Rows{{1, 2, QStringLiteral("银行")}}
+        << QStringList{"A2=A", "B1=G", "B2=B", "A3=1", "B3=2"} << QStringList() << "AB";
+    QTest::newRow("cross: a band per period over the same values")
+        << "S,P1,V1<P1,W1<P1,P2,V2<P2,W2<P2,T" << false << Rows{{QStringLiteral("s"), 1, 2, 3, 4, 10}}
+        << QStringList{"A2=S", "B1=P1", "B2=V1", "C2=W1", "D1=P2", "D2=V2", "E2=W2", "F2=T",
+                       "A3=s", "B3=1", "C3=2", "D3=3", "E3=4", "F3=10"}
+        << QStringList{"B1:C1", "D1:E1"} << "ABCDEF";
+    QTest::newRow("rows shorter than the header, and an empty row")
+        << "A,G,B<G,C<G" << false << Rows{{1}, {}, {1, 2, 3}}
+        << QStringList{"A2=A", "B1=G", "B2=B", "C2=C", "A3=1", "A5=1", "B5=2", "C5=3"}
+        << QStringList{"B1:C1"} << "ABC";
+    QStringList wide;
+    QStringList wideCells;
+    QVariantList wideRow;
+    for (int col = 1; col <= 110; ++col) {
+        wide.append(QStringLiteral("F%1").arg(col));
+        wideRow.append(col);
+        wideCells << QStringLiteral("%1=F%2").arg(TFExcelWritter::cellName(1, col)).arg(col)
+                  << QStringLiteral("%1=%2").arg(TFExcelWritter::cellName(2, col)).arg(col);
+    }
+    QTest::newRow("110 columns: letters beyond CZ") << wide.join(QLatin1Char(',')) << false << Rows{wideRow}
+        << wideCells << QStringList() << QString();
+    QTest::newRow("no columns at all") << "" << false << Rows{{7}} << QStringList{"A1=7"} << QStringList() << "A";
+}
+
+void tst_TFExcelWritter::table()
+{
+    QFETCH(QString, spec);
+    QFETCH(bool, grouped);
+    QFETCH(Rows, rows);
+    QFETCH(QStringList, cells);
+    QFETCH(QStringList, merges);
+    QFETCH(QString, widths);
+
+    const std::unique_ptr<TFTreeStruct> tree = header(spec, grouped);
+    const QString path = write(tree.get(), rows);
+    QVERIFY(!path.isEmpty());
+    const WorkbookReader sheet(path);
+    QVERIFY2(sheet.ok(), qPrintable(sheet.error));
+    QCOMPARE(sheet.all(), sorted(cells));
+    QCOMPARE(sheet.merges, merges);
+    if (!widths.isEmpty())
+        QCOMPARE(sheet.widths.keys().join(QString()), widths);
+    else
+        QCOMPARE(sheet.widths.size(), 110);
+    for (const QString &column : sheet.widths.keys())
+        QVERIFY(qAbs(sheet.widths.value(column).toDouble() - 25.0) < 1.0);
+    // The header is bold and centred, the data centred but not bold.
+    const int headerRows = tree->depth() - 1;
+    for (auto it = sheet.cells.constBegin(); it != sheet.cells.constEnd(); ++it) {
+        const QJsonObject cell = it.value().toObject();
+        const int row = it.key().mid(it.key().indexOf(QRegularExpression(QStringLiteral("\\d")))).toInt();
+        QCOMPARE(cell.value(QLatin1String("bold")).toBool(), row <= headerRows);
+        QCOMPARE(cell.value(QLatin1String("horizontal")).toString(), QStringLiteral("center"));
+        QCOMPARE(cell.value(QLatin1String("vertical")).toString(), QStringLiteral("center"));
+    }
+}
+
+void tst_TFExcelWritter::numberFormats_data()
+{
+    const QString asDouble = TFExcelWritter::doubleFormat;
+    const QString asInt = TFExcelWritter::integerFormat;
+    const QString asDate = TFExcelWritter::dateFormat;
+
+    QTest::addColumn<QVariantList>("values");
+    QTest::addColumn<QStringList>("texts");
+    QTest::addColumn<QStringList>("formats");
+
+    QTest::newRow("each type sets its own")
+        << QVariantList{1234.5, 7, QDate(2024, 1, 2), QDateTime(QDate(2024, 3, 4), QTime(5, 6, 7))}
+        << QStringList{"1234.5", "7", "2024-01-02T00:00:00", "2024-03-04T05:06:07"}
+        << QStringList{asDouble, asInt, asDate, asDate};
+    QTest::newRow("a 64-bit integer keeps the format of the cell before it")
+        << QVariantList{qlonglong(1), 2.25, qlonglong(3), 4, qlonglong(5)}
+        << QStringList{"1", "2.25", "3", "4", "5"}
+        << QStringList{"General", asDouble, asDouble, asInt, asInt};
+    QTest::newRow("texts, booleans and unsigned numbers carry it too")
+        << QVariantList{0.5, QStringLiteral("t"), true, 9u, 1}
+        << QStringList{"0.5", "t", "true", "9", "1"}
+        << QStringList{asDouble, asDouble, asDouble, asDouble, asInt};
+    QTest::newRow("one blank from an empty cell is a text")
+        << QVariantList{QStringLiteral(" "), 1.0} << QStringList{" ", "1"} << QStringList{"General", asDouble};
+    QTest::newRow("values of unexpected types: their text, or nothing")
+        << QVariantList{QVariant(QVariantList{1, 2}), QUrl(QStringLiteral("http://a/b")), QByteArray("raw"),
+                        QVariant(), QVariant(QVariant::Double), std::nan(""), 2}
+        << QStringList{"", "http://a/b", "raw", "", "", "nan", "2"}
+        << QStringList{"General", "General", "General", "General", "General", asDouble, asInt};
+}
+
+void tst_TFExcelWritter::numberFormats()
+{
+    QFETCH(QVariantList, values);
+    QFETCH(QStringList, texts);
+    QFETCH(QStringList, formats);
+
+    QStringList spec;
+    for (int i = 0; i < values.size(); ++i)
+        spec.append(QStringLiteral("F%1").arg(i));
+    const std::unique_ptr<TFTreeStruct> tree = header(spec.join(QLatin1Char(',')));
+    const QString path = write(tree.get(), Rows{values});
+    QVERIFY(!path.isEmpty());
+    const WorkbookReader sheet(path);
+    QVERIFY2(sheet.ok(), qPrintable(sheet.error));
+    for (int i = 0; i < values.size(); ++i) {
+        const QString cell = TFExcelWritter::cellName(2, i + 1);
+        QVERIFY2(sheet.text(cell) == texts.at(i), qPrintable(cell + QLatin1Char(' ') + sheet.text(cell)));
+        if (!texts.at(i).isEmpty())
+            QVERIFY2(sheet.format(cell) == formats.at(i), qPrintable(cell + QLatin1Char(' ') + sheet.format(cell)));
+    }
+}
+
+void tst_TFExcelWritter::texts_data()
+{
+    QTest::addColumn<QString>("written");
+    QTest::addColumn<QString>("read");
+    QTest::newRow("CR LF removed") << "a\r\nb\r\nc" << "abc";
+    QTest::newRow("CR CR removed") << "a\r\rb" << "ab";
+    QTest::newRow("backslash u removed") << "x\\u4e2dy" << "x4e2dy";
+    QTest::newRow("line feed kept") << "a\nb" << "a\nb";
+    QTest::newRow("control characters dropped") << QString::fromUtf8("a\x01\x1f" "b\x7f") << QString::fromUtf8("ab\x7f");
+    QTest::newRow("a formula stays a text") << "=1+1" << "=1+1";
+    QTest::newRow("Chinese") << "股票代码" << "股票代码";
+    QTest::newRow("cut to what a cell holds") << QString(40000, QLatin1Char('x')) << QString(32767, QLatin1Char('x'));
+}
+
+void tst_TFExcelWritter::texts()
+{
+    QFETCH(QString, written);
+    QFETCH(QString, read);
+    const std::unique_ptr<TFTreeStruct> tree = header(QStringLiteral("A"));
+    const QString path = write(tree.get(), Rows{{written}});
+    QVERIFY(!path.isEmpty());
+    const WorkbookReader sheet(path);
+    QVERIFY2(sheet.ok(), qPrintable(sheet.error));
+    QCOMPARE(sheet.text(QStringLiteral("A2")), read);
+}
+
+void tst_TFExcelWritter::nothingHalfWritten_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::newRow("cancelled while writing rows") << "cancel";
+    QTest::newRow("dropped before saving") << "drop";
+    QTest::newRow("folder missing") << "folder";
+    QTest::newRow("name is a folder") << "folder-name";
+    QTest::newRow("more columns than a sheet has") << "wide";
+}
+
+void tst_TFExcelWritter::nothingHalfWritten()
+{
+    QFETCH(QString, how);
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    // An older workbook of the same name stays as it was.
+    const QString path = dir.filePath(QStringLiteral("out.xlsx"));
+    if (how == QLatin1String("folder-name")) {
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("out.xlsx")));
+    } else {
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("older");
+    }
+
+    const std::unique_ptr<TFTreeStruct> tree = header(QStringLiteral("A,B"));
+    const Rows rows = repeated(5000, QVariantList{1, QStringLiteral("b")});
+    const QString target = how == QLatin1String("folder") ? dir.filePath(QStringLiteral("no/such/out.xlsx")) : path;
+    {
+        TFXlsxDocument doc(target);
+        if (how == QLatin1String("folder")) {
+            QVERIFY(!doc.isOpen());
+            QVERIFY(doc.errorString().contains(QLatin1String("cannot write")));
+            QVERIFY(!TFExcelWritter::writeHeader(doc, tree.get()));
+        } else {
+            QVERIFY(TFExcelWritter::writeHeader(doc, tree.get()));
+            if (how == QLatin1String("cancel")) {
+                int calls = 0;
+                QVERIFY(!TFExcelWritter::writeData(doc, tree.get(), rows, [&](int written, int total) {
+                    ++calls;
+                    return written < total / 2;
+                }));
+                QVERIFY(calls > 1);
+            } else if (how == QLatin1String("wide")) {
+                QVERIFY(!TFExcelWritter::writeData(doc, tree.get(), Rows{repeated(TFXlsxDocument::maxColumns + 1, QVariant(1))}));
+            } else {
+                QVERIFY(TFExcelWritter::writeData(doc, tree.get(), rows));
+            }
+            if (how == QLatin1String("folder-name")) {
+                QVERIFY(!doc.save());
+                QVERIFY(!doc.errorString().isEmpty());
+            }
+        }
+    }
+    const QStringList left = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::Dirs | QDir::NoDotAndDotDot);
+    QCOMPARE(left, QStringList{QStringLiteral("out.xlsx")});
+    if (how != QLatin1String("folder-name")) {
+        QFile old(path);
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("older"));
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_TFExcelWritter)
+#include "tst_tfexcelwritter.moc"
