@@ -24,6 +24,19 @@ void Screenshotter::start()
     m_timer.start();
 }
 
+// A widget that is still putting its content on the screen (a chart whose
+// page has not drawn what it was sent) says so with the property "settling".
+// Only what can be seen counts: a chart in a hidden tab is not waited for.
+static bool widgetSettling(const QWidget *window)
+{
+    const QList<QWidget *> widgets = window->findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        if (widget->property("settling").toBool() && widget->isVisible())
+            return true;
+    }
+    return false;
+}
+
 void Screenshotter::poll()
 {
     if (!m_window) {
@@ -31,7 +44,7 @@ void Screenshotter::poll()
         emit finished(1, QStringLiteral("the window went away before the picture was taken"));
         return;
     }
-    const bool busy = QThreadPool::globalInstance()->activeThreadCount() > 0;
+    const bool busy = QThreadPool::globalInstance()->activeThreadCount() > 0 || widgetSettling(m_window);
     if (busy || !m_window->isVisible())
         m_quiet.restart();
 
