@@ -115,7 +115,9 @@ TFMultiCharts::TFMultiCharts(QWidget *parent)
     page->setWebChannel(m_channel);
     page->setUrl(QUrl(QLatin1String(kPageUrl)));
 
-    m_layout->addWidget(m_webView);
+    // The bar keeps its own width; the chart takes the rest.
+    m_filterWidget->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    m_layout->addWidget(m_webView, 1);
     m_webView->setContentsMargins(0, 0, 0, 0);
     m_webView->show();
 
@@ -178,7 +180,8 @@ void TFMultiCharts::countMessage()
 
 void TFMultiCharts::updateSettling()
 {
-    const bool waiting = (!m_pageReady && m_dataSource.hasSeries()) || m_d.messagesDrawn < m_d.messagesSent;
+    const bool waiting = m_d.requestInFlight || (!m_pageReady && m_dataSource.hasSeries())
+                         || m_d.messagesDrawn < m_d.messagesSent;
     setProperty("settling", waiting);
     if (m_d.messagesDrawn < m_d.messagesSent) {
         if (!m_d.drawnPoll->isActive())
@@ -192,15 +195,22 @@ void TFMultiCharts::pollDrawn()
 {
     const int sent = m_d.messagesSent;
     QPointer<TFMultiCharts> self(this);
-    m_webView->page()->runJavaScript(QStringLiteral("typeof drawCount === 'number' ? drawCount : -1"),
+    m_webView->page()->runJavaScript(QStringLiteral("typeof drawCount === 'number' ? [drawCount, drawnAt] : [-1, 0]"),
                                      [self, sent](const QVariant &result) {
         if (!self)
             return;
-        // The page counts what it has drawn since it was loaded.
-        if (result.toInt() >= sent) {
-            self->m_d.messagesDrawn = qMax(self->m_d.messagesDrawn, sent);
-            self->updateSettling();
+        // The page counts what it has drawn since it was loaded, and when it
+        // drew last (milliseconds since the epoch, the same clock as ours).
+        const QVariantList answer = result.toList();
+        if (answer.value(0).toInt() < sent)
+            return;
+        if (self->m_d.messagesDrawn < sent && self->m_d.rowsArrivedAt > 0) {
+            qDebug() << "chart drawn" << answer.value(1).toLongLong() - self->m_d.rowsArrivedAt
+                     << "ms after its rows arrived";
+            self->m_d.rowsArrivedAt = 0;
         }
+        self->m_d.messagesDrawn = qMax(self->m_d.messagesDrawn, sent);
+        self->updateSettling();
     });
 }
 
@@ -284,13 +294,19 @@ void TFMultiCharts::requestData(const QString &name, const QVariant &value)
     const TFUc::TFRequestContent content = isCross()
         ? TFUc::wholeDataSetRequest(viewId(), toParams(params), filters)
         : TFUc::viewDataRequest(viewId(), toParams(params), filters, TFUc::TFPaging { true, 1, 200 });
+    // The rows are on their way until the result has been dealt with here:
+    // the pool may be idle long before a busy page thread takes the result.
+    m_d.requestInFlight = true;
+    updateSettling();
     QPointer<TFMultiCharts> self(this);
     m_dm->start(content, [self](bool isOk, const QByteArray &data) {
-        if (!self || !isOk)
+        if (!self)
             return;
+        self->m_d.requestInFlight = false;
         NtResponse response;
-        if (TFJSP::parseResponse(QString::fromUtf8(data), response))
+        if (isOk && TFJSP::parseResponse(QString::fromUtf8(data), response))
             self->handleResponse(response.data, QString(), 1);
+        self->updateSettling();
     });
 }
 
@@ -315,6 +331,7 @@ bool TFMultiCharts::handleResponse(const QJsonValue &data, const QString &text, 
 {
     Q_UNUSED(text)
     Q_UNUSED(flag)
+    m_d.rowsArrivedAt = QDateTime::currentMSecsSinceEpoch();
     m_dataSource.loadConfigAndData(data);
     if (m_pageReady)
         m_dataSource.slotRefreshChartDaTa();

@@ -84,6 +84,8 @@ private:
         int messagesSent = 0;   // data messages emitted to the page
         int messagesDrawn = 0;  // of which the page has drawn
         QTimer *drawnPoll = nullptr;
+        qint64 rowsArrivedAt = 0;   // when the last reply came, for the log
+        bool requestInFlight = false;
     };
 
     Private m_d;

@@ -6,6 +6,7 @@ var chartManager;
 // Charts drawn since the page was loaded; the view asks for it to know
 // when the last message it sent is on the screen.
 var drawCount = 0;
+var drawnAt = 0;
 var sized = false;
 
 var LegendPositon = {
@@ -107,6 +108,7 @@ function applyOption() {
 function drawOption() {
     applyOption();
     drawCount += 1;
+    drawnAt = Date.now();
 }
 
 window.onresize = function () {

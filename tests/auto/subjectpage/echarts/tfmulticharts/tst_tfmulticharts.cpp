@@ -2,6 +2,8 @@
 
 #include "catalogue.h"
 #include "configurationdocument.h"
+#include "subjectservice.h"
+#include "tfcore/tfserviceconfig.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -38,6 +40,8 @@ class tst_TFMultiCharts : public QObject
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
+    void requestsTheWholeSet();
     void drawsEachMode_data();
     void drawsEachMode();
     void dataBeforeThePageIsDrawnOnce();
@@ -49,6 +53,8 @@ private:
     std::unique_ptr<TFMultiCharts> makeChart(qint64 viewId, const QJsonArray &rows, bool waitForPage);
     QJsonObject document(qint64 viewId, const QJsonArray &rows = {}) const;
     Catalogue m_catalogue;
+    QTemporaryDir m_dir;
+    std::unique_ptr<Server> m_server;
 };
 
 static QVariant evaluate(TFMultiCharts *chart, const QString &script)
@@ -77,6 +83,39 @@ void tst_TFMultiCharts::initTestCase()
 {
     QString error;
     QVERIFY2(m_catalogue.load(&error), qPrintable(error));
+    QVERIFY(m_dir.isValid());
+    Options options;
+    options.dbPath = m_dir.filePath("charts.sqlite");
+    m_server.reset(new Server(options));
+    QVERIFY2(m_server->start(&error), qPrintable(error));
+    TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), m_server->baseUrl());
+}
+
+void tst_TFMultiCharts::cleanupTestCase()
+{
+    if (m_server)
+        m_server->stop();
+}
+
+// A main chart view asks for its rows itself, all of them in one reply, and
+// counts as settling until they are drawn.
+void tst_TFMultiCharts::requestsTheWholeSet()
+{
+    TFMultiCharts chart;
+    chart.resize(800, 500);
+    chart.show();
+    chart.setViewId(611);
+    chart.parseConfig(document(611), true);
+    chart.requestData();
+    QVERIFY(chart.property("settling").toBool());
+    QVERIFY(chart.params().size() >= 1);
+    // 120 months, of which the chart shows the last 48, oldest first.
+    QTRY_COMPARE_WITH_TIMEOUT(chart.dataSource()->labels().size(), 48, 30000);
+    QCOMPARE(chart.dataSource()->labels().first(), QStringLiteral("2021-01"));
+    QCOMPARE(chart.dataSource()->labels().last(), QStringLiteral("2024-12"));
+    QTRY_COMPARE_WITH_TIMEOUT(chart.property("settling").toBool(), false, 30000);
+    QCOMPARE(evaluate(&chart, "option.xAxis.data.length").toInt(), 48);
+    QCOMPARE(evaluate(&chart, "drawCount").toInt(), 1);
 }
 
 QJsonObject tst_TFMultiCharts::document(qint64 viewId, const QJsonArray &rows) const
