@@ -21,6 +21,7 @@ void Screenshotter::start()
 {
     m_sinceStart.start();
     m_quiet.start();
+    m_sincePoll.start();
     m_timer.start();
 }
 
@@ -45,7 +46,11 @@ void Screenshotter::poll()
         return;
     }
     const bool busy = QThreadPool::globalInstance()->activeThreadCount() > 0 || widgetSettling(m_window);
-    if (busy || !m_window->isVisible())
+    // A poll that comes late means the window's thread was busy (a web
+    // engine starting, a large model): results may be waiting in its queue
+    // although the pool is idle, so the quiet time starts again.
+    const bool late = m_sincePoll.restart() > 4 * m_timer.interval();
+    if (busy || late || !m_window->isVisible())
         m_quiet.restart();
 
     if (m_quiet.elapsed() >= m_settleMs) {

@@ -35,4 +35,5 @@ private:
     QTimer m_timer;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_quiet;
+    QElapsedTimer m_sincePoll;
 };
