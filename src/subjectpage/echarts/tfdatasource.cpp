@@ -67,6 +67,10 @@ QString seriesName(const ChartDataConfig &entry)
 // "${FIELD}" in a legend label stands for the value of that column in the row.
 QString fillPlaceholders(QString name, const QVariantMap &row)
 {
+    // Without "${" there is nothing to match; most names, and every name
+    // after the first row, have none.
+    if (!name.contains(QLatin1String("${")))
+        return name;
     QRegExp reference(QStringLiteral("\\$\\{(.*)\\}"));
     reference.setMinimal(true);
     QStringList fields;
@@ -536,11 +540,15 @@ double TFDataSource::roundValue(double value, const QString &format)
             return value;
         return QString::number(value, 'f', 2).toDouble();
     }
-    // "n2", "N0"; the class also lets a comma through.
-    QRegExp decimals(QStringLiteral("^([n,N])(\\d)$"));
-    if (decimals.indexIn(format) != 0)
+    // "n2", "N0": a letter n or N, or a comma, which the character class
+    // of the pattern ^([n,N])(\d)$ lets through, and one digit.
+    if (format.size() != 2)
         return value;
-    return QString::number(value, 'f', decimals.cap(2).toInt()).toDouble();
+    const QChar kind = format.at(0);
+    const QChar digit = format.at(1);
+    if ((kind != QLatin1Char('n') && kind != QLatin1Char('N') && kind != QLatin1Char(',')) || !digit.isDigit())
+        return value;
+    return QString::number(value, 'f', QString(digit).toInt()).toDouble();
 }
 
 // Message step

@@ -206,7 +206,7 @@ void TFMultiCharts::pollDrawn()
             return;
         if (self->m_d.messagesDrawn < sent && self->m_d.rowsArrivedAt > 0) {
             qDebug() << "chart drawn" << answer.value(1).toLongLong() - self->m_d.rowsArrivedAt
-                     << "ms after its rows arrived";
+                     << "ms after its rows arrived; page ready when they came:" << self->m_d.readyAtArrival;
             self->m_d.rowsArrivedAt = 0;
         }
         self->m_d.messagesDrawn = qMax(self->m_d.messagesDrawn, sent);
@@ -332,6 +332,7 @@ bool TFMultiCharts::handleResponse(const QJsonValue &data, const QString &text, 
     Q_UNUSED(text)
     Q_UNUSED(flag)
     m_d.rowsArrivedAt = QDateTime::currentMSecsSinceEpoch();
+    m_d.readyAtArrival = m_pageReady;
     m_dataSource.loadConfigAndData(data);
     if (m_pageReady)
         m_dataSource.slotRefreshChartDaTa();

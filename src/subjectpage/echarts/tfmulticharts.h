@@ -86,6 +86,7 @@ private:
         QTimer *drawnPoll = nullptr;
         qint64 rowsArrivedAt = 0;   // when the last reply came, for the log
         bool requestInFlight = false;
+        bool readyAtArrival = false;
     };
 
     Private m_d;
