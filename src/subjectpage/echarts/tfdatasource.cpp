@@ -12,6 +12,8 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 
 namespace {
 
@@ -533,12 +535,50 @@ double TFDataSource::dataPoint(const ChartDataConfig &entry, const QVariantMap &
     return roundValue(point, entry.ValueFormatString);
 }
 
+// A value rounded to a number of decimals as if it were written with
+// QString::number(value, 'f', decimals) and read back: both are correctly
+// rounded conversions, which agree except for an exact tie, where the
+// toolkit's rule is taken by going through its text. A tie is exactly
+// representable and no shorter text reads back as it, so its shortest text
+// ends in a 5 right after the kept decimals; every such value goes the slow
+// way. Zero results do too, for the sign of a negative zero.
+static double fixedRound(double value, int decimals)
+{
+    if (std::isfinite(value) && value != 0.0) {
+        char shortest[420];
+        const std::to_chars_result text = std::to_chars(shortest, shortest + sizeof(shortest), value,
+                                                         std::chars_format::fixed);
+        if (text.ec == std::errc()) {
+            const char *point = std::find(shortest, text.ptr, '.');
+            const int shown = point == text.ptr ? 0 : int(text.ptr - point - 1);
+            if (shown <= decimals)
+                return value;   // already within the decimals: its text reads back as it
+            const bool maybeTie = shown == decimals + 1 && *(text.ptr - 1) == '5';
+            char kept[420];
+            const std::to_chars_result rounded = std::to_chars(kept, kept + sizeof(kept), value,
+                                                                std::chars_format::fixed, decimals);
+            double result = 0.0;
+            if (!maybeTie && rounded.ec == std::errc()
+                && std::from_chars(kept, rounded.ptr, result).ec == std::errc() && result != 0.0)
+                return result;
+        }
+    }
+    return QString::number(value, 'f', decimals).toDouble();
+}
+
 double TFDataSource::roundValue(double value, const QString &format)
 {
     if (format.isEmpty()) {
-        if (!QString::number(value, 'g', 6).contains(QLatin1Char('.')))
+        // Whether six significant digits leave a fraction.
+        char general[64];
+        const std::to_chars_result text = std::to_chars(general, general + sizeof(general), value,
+                                                         std::chars_format::general, 6);
+        const bool fraction = text.ec == std::errc()
+            ? std::find(general, text.ptr, '.') != text.ptr
+            : QString::number(value, 'g', 6).contains(QLatin1Char('.'));
+        if (!fraction)
             return value;
-        return QString::number(value, 'f', 2).toDouble();
+        return fixedRound(value, 2);
     }
     // "n2", "N0": a letter n or N, or a comma, which the character class
     // of the pattern ^([n,N])(\d)$ lets through, and one digit.
@@ -548,7 +588,9 @@ double TFDataSource::roundValue(double value, const QString &format)
     const QChar digit = format.at(1);
     if ((kind != QLatin1Char('n') && kind != QLatin1Char('N') && kind != QLatin1Char(',')) || !digit.isDigit())
         return value;
-    return QString::number(value, 'f', QString(digit).toInt()).toDouble();
+    // Any digit matches, but only 0 to 9 read as a number; others give 0.
+    const int decimals = digit.unicode() >= '0' && digit.unicode() <= '9' ? digit.unicode() - '0' : 0;
+    return fixedRound(value, decimals);
 }
 
 // Message step

@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <cmath>
 #include <ctime>
 
 using namespace SubjectService;
@@ -30,6 +31,7 @@ private slots:
     void selectRows();
     void roundValue_data();
     void roundValue();
+    void roundValueAgreesWithText();
     void seriesRules_data();
     void seriesRules();
     void seriesType_data();
@@ -254,6 +256,39 @@ void tst_TFDataSource::roundValue()
     QFETCH(QString, format);
     QFETCH(double, expected);
     QCOMPARE(TFDataSource::roundValue(value, format), expected);
+}
+
+// A value is rounded as if written with QString::number and read back, ties,
+// negative zeros and large magnitudes included.
+void tst_TFDataSource::roundValueAgreesWithText()
+{
+    QList<double> values { 0.125, -0.125, 2.5, -2.5, 0.375, 1.0625, 12345.25, 99999.5, 123456.5, -0.001,
+                           1e-9, 1e300, -1e300, 0.0, -0.0, 1.005, 2.675, 1234567.0 };
+    quint64 state = 88172645463325252ull;   // xorshift, the same numbers in every run
+    for (int i = 0; i < 20000; ++i) {
+        state ^= state << 13;
+        state ^= state >> 7;
+        state ^= state << 17;
+        const int magnitude = int(state % 19) - 9;
+        values.append((double(state >> 11) / double(1ull << 53) - 0.5) * std::pow(10.0, magnitude));
+        values.append(double(qint64(state % 100000) - 50000) / 16.0);   // exact binary fractions, many ties
+    }
+    const QStringList formats { "", "n0", "n1", "n2", "N3", "n4", ",2", "n9" };
+    for (const QString &format : formats) {
+        for (double value : qAsConst(values)) {
+            double expected = value;
+            if (format.isEmpty()) {
+                if (QString::number(value, 'g', 6).contains('.'))
+                    expected = QString::number(value, 'f', 2).toDouble();
+            } else {
+                expected = QString::number(value, 'f', format.right(1).toInt()).toDouble();
+            }
+            const double got = TFDataSource::roundValue(value, format);
+            if (got != expected || std::signbit(got) != std::signbit(expected))
+                QFAIL(qPrintable(QStringLiteral("%1 with \"%2\": %3, expected %4")
+                                     .arg(value, 0, 'g', 17).arg(format).arg(got, 0, 'g', 17).arg(expected, 0, 'g', 17)));
+        }
+    }
 }
 
 // Column mode quirks, each seen in the mixed message's series.
