@@ -2,6 +2,7 @@
 
 #include "catalogue.h"
 #include "configurationdocument.h"
+#include "httptestserver.h"
 #include "subjectservice.h"
 #include "tfcore/tfserviceconfig.h"
 
@@ -42,6 +43,8 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void requestsTheWholeSet();
+    void badReplyKeepsTheChart_data();
+    void badReplyKeepsTheChart();
     void drawsEachMode_data();
     void drawsEachMode();
     void dataBeforeThePageIsDrawnOnce();
@@ -136,6 +139,49 @@ std::unique_ptr<TFMultiCharts> tst_TFMultiCharts::makeChart(qint64 viewId, const
     chart->parseConfig(document(viewId), true);
     chart->handleResponse(QJsonObject { { "Data", rows } }, QString(), 1);
     return chart;
+}
+
+// A reply that is no envelope leaves the chart as it was; one whose rows
+// are not what they should be draws what is valid.
+void tst_TFMultiCharts::badReplyKeepsTheChart_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("draws");          // messages drawn after the first chart
+    QTest::addColumn<QString>("firstData");  // the first series' data the page holds then
+
+    QTest::newRow("empty body") << QByteArray() << 0 << QStringLiteral("1,2");
+    QTest::newRow("not JSON") << QByteArray("<html>busy</html>") << 0 << QStringLiteral("1,2");
+    QTest::newRow("texts where numbers belong")
+        << HttpTestServer::envelope(QJsonObject { { "Data", rowsOf(R"j([{"PERIOD_NAME":"Q1","PRIMARY_IND":"x"},
+                                                                      {"PERIOD_NAME":"Q2","PRIMARY_IND":[1]}])j") } })
+        << 1 << QStringLiteral("0,0");
+}
+
+void tst_TFMultiCharts::badReplyKeepsTheChart()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(int, draws);
+    QFETCH(QString, firstData);
+
+    auto chart = makeChart(612, rowsOf(kGdpRows), true);
+    QVERIFY(chart);
+    QTRY_COMPARE_WITH_TIMEOUT(evaluate(chart.get(), "drawCount").toInt(), 1, 10000);
+
+    HttpTestServer server;
+    server.setHandler([body](const RecordedRequest &) {
+        CannedReply reply;
+        reply.body = body;
+        return reply;
+    });
+    QVERIFY(server.start());
+    TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), server.baseUrl());
+    chart->setViewId(612);
+    chart->requestData();
+    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(chart->property("settling").toBool(), false, 10000);
+    TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), m_server->baseUrl());
+    QCOMPARE(evaluate(chart.get(), "drawCount").toInt(), 1 + draws);
+    QCOMPARE(evaluate(chart.get(), "option.series[0].data.join(',')").toString(), firstData);
 }
 
 void tst_TFMultiCharts::drawsEachMode_data()
