@@ -18,6 +18,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QWebEngineView>
 #include <QtTest>
 
 #include <memory>
@@ -311,6 +312,18 @@ void tst_TFRightContainer::chartTabsFollowTheMainTable()
     QTRY_COMPARE_WITH_TIMEOUT(daily->dataSource()->labels().size(), 30, 30000);
     QCOMPARE(daily->dataSource()->series().size(), 2);
     const QList<double> firstCloses = daily->dataSource()->series().at(0).values;
+    // Shown, the tab's page holds the two series: the close and the volume.
+    tabs->setCurrentWidget(daily);
+    auto seriesOnPage = [daily]() {
+        QVariant result;
+        bool done = false;
+        daily->webView()->page()->runJavaScript(
+            QStringLiteral("typeof option === 'object' ? option.series.map(function (s) { return s.type; }).join(',') : ''"),
+            [&](const QVariant &value) { result = value; done = true; });
+        QTest::qWaitFor([&] { return done; }, 5000);
+        return result.toString();
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(seriesOnPage(), QStringLiteral("line,bar"), 30000);
     const RowData second =
         table->model()->index(1, 0).data(TFSubjectTableModel::RowDataRole).value<RowData>();
     emit container->mainView()->sigRowData(second, true);
