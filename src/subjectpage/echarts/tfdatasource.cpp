@@ -216,7 +216,7 @@ void TFDataSource::loadConfig(const QJsonValue &value)
     if (!config.IsSwitchXAxis) {
         // The labels of this pass are thrown away; the series stay.
         QStringList labels;
-        buildColumnSeries(config, selectedRows(), m_series, labels);
+        buildColumnSeries(config, selectedRows(config), m_series, labels);
     }
 }
 
@@ -325,12 +325,12 @@ QList<QVariantMap> TFDataSource::selectRows(const QList<QVariantMap> &rows, int 
     }
 }
 
-QList<QVariantMap> TFDataSource::selectedRows() const
+QList<QVariantMap> TFDataSource::selectedRows(const ChartViewConfig &config) const
 {
     const auto *data = qobject_cast<TFDataJsonTable *>(m_tables.value(kDataTable));
     if (!data)
         return {};
-    return selectRows(data->rows(), m_chart.XDisplayDataPattern, m_chart.XDisplayStep);
+    return selectRows(data->rows(), config.XDisplayDataPattern, config.XDisplayStep);
 }
 
 ChartViewConfig TFDataSource::crossExpand(const QList<QVariantMap> &rows, const ChartViewConfig &config)
@@ -363,9 +363,9 @@ void TFDataSource::orderAndBuild()
     const TFChartViewJsonTable *chart = chartTable();
     if (!chart)
         return;
-    ChartViewConfig config = chart->config();
-    m_chart = withoutEntries(config);
-    QList<QVariantMap> rows = selectedRows();
+    // The snapshot stays the one of the last configuration step.
+    const ChartViewConfig config = chart->config();
+    QList<QVariantMap> rows = selectedRows(config);
 
     if (isCross()) {
         buildSeries(crossExpand(rows, config), rows, m_series, m_labels);

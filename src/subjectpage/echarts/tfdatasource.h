@@ -104,7 +104,7 @@ public slots:
 private:
     TFViewConfigTable *viewTable() const;
     TFChartViewJsonTable *chartTable() const;
-    QList<QVariantMap> selectedRows() const;
+    QList<QVariantMap> selectedRows(const ChartViewConfig &config) const;
     void readTables(const QJsonObject &document);
     void deleteTable(int id);
     void deleteTables();

@@ -378,6 +378,7 @@ void tst_TFDataSource::seriesRules()
 
     TFDataSource source;
     QSignalSpy mixed(&source, &TFDataSource::signalMixedChartData);
+    source.loadConfig(chartDocument(chart, properties));
     source.loadConfigAndData(chartDocument(chart, properties, rows));
     source.slotRefreshChartDaTa();
     QCOMPARE(mixed.count(), 1);
@@ -529,6 +530,7 @@ void tst_TFDataSource::pageSlots()
                                                                QJsonObject { { "FieldName", "B" }, { "ChartType", "Pie" } },
                                                                QJsonObject { { "FieldName", "C" }, { "ChartType", "Pie" } } } } };
     QSignalSpy pies(&source, &TFDataSource::signalPieData);
+    source.loadConfig(chartDocument(pie));
     source.loadConfigAndData(chartDocument(pie, {}, rowsOf(R"j([{"X":"x","A":1,"B":2,"C":3}])j")));
     source.slotRefreshChartDaTa();
     QCOMPARE(pies.count(), 1);
