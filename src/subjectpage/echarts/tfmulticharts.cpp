@@ -132,11 +132,14 @@ TFMultiCharts::TFMultiCharts(QWidget *parent)
 TFMultiCharts::~TFMultiCharts()
 {
     // The channel goes first, then the view and its page: the page must not
-    // call into a data source that is already gone.
+    // call into a data source that is already gone. The page answers the
+    // questions still open when it dies, so it goes while this is whole.
+    QWebEnginePage *page = m_webView->page();
     delete m_channel;
     m_channel = nullptr;
     delete m_webView;
     m_webView = nullptr;
+    delete page;
     delete m_dm;
 }
 

@@ -266,6 +266,14 @@ void tst_TFRightContainer::rowClickRefreshesChildren()
     // The first row went to the children when the rows came.
     const RowData first = container->mainView()->firstRow();
     QTRY_COMPARE_WITH_TIMEOUT(boundSecuId(finance), secuIdOf(first), 30000);
+    // A child takes whichever reply comes last, so the click waits for the
+    // first row's reply.
+    auto *financeRows = qobject_cast<TFSubjectTableWidget *>(finance);
+    QVERIFY(financeRows);
+    QTRY_VERIFY_WITH_TIMEOUT(financeRows->model() && financeRows->model()->rowCount() > 0
+                                 && secuIdOfRow(financeRows->model()->index(0, 0).data(TFSubjectTableModel::RowDataRole).value<RowData>())
+                                        == secuIdOf(first),
+                             30000);
     // A click on the second row refreshes them with its values.
     const RowData second =
         table->model()->index(1, 0).data(TFSubjectTableModel::RowDataRole).value<RowData>();
