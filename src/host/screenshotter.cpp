@@ -21,7 +21,21 @@ void Screenshotter::start()
 {
     m_sinceStart.start();
     m_quiet.start();
+    m_sincePoll.start();
     m_timer.start();
+}
+
+// A widget that is still putting its content on the screen (a chart whose
+// page has not drawn what it was sent) says so with the property "settling".
+// Only what can be seen counts: a chart in a hidden tab is not waited for.
+static bool widgetSettling(const QWidget *window)
+{
+    const QList<QWidget *> widgets = window->findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        if (widget->property("settling").toBool() && widget->isVisible())
+            return true;
+    }
+    return false;
 }
 
 void Screenshotter::poll()
@@ -31,8 +45,12 @@ void Screenshotter::poll()
         emit finished(1, QStringLiteral("the window went away before the picture was taken"));
         return;
     }
-    const bool busy = QThreadPool::globalInstance()->activeThreadCount() > 0;
-    if (busy || !m_window->isVisible())
+    const bool busy = QThreadPool::globalInstance()->activeThreadCount() > 0 || widgetSettling(m_window);
+    // A poll that comes late means the window's thread was busy (a web
+    // engine starting, a large model): results may be waiting in its queue
+    // although the pool is idle, so the quiet time starts again.
+    const bool late = m_sincePoll.restart() > 4 * m_timer.interval();
+    if (busy || late || !m_window->isVisible())
         m_quiet.restart();
 
     if (m_quiet.elapsed() >= m_settleMs) {

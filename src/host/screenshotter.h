@@ -9,7 +9,8 @@ class QWidget;
 
 // Waits until the page has settled, then saves a picture of the window.
 // Every service request of a page runs as one runnable of the global thread
-// pool, so "settled" means: no runnable active, and none for settleMs.
+// pool, so "settled" means: no runnable active and no visible widget with
+// the property "settling" set, and neither for settleMs.
 class Screenshotter : public QObject
 {
     Q_OBJECT
@@ -34,4 +35,5 @@ private:
     QTimer m_timer;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_quiet;
+    QElapsedTimer m_sincePoll;
 };
