@@ -1,24 +1,19 @@
 #include "jsonparser/tfchartviewjsontable.h"
 #include "jsonparser/tfchildviewjsontable.h"
-#include "jsonparser/tfdatajsontable.h"
 #include "jsonparser/tffilterjsontable.h"
 #include "jsonparser/tfheaderfieldconfigdata.h"
 #include "jsonparser/tfjsonparser.h"
 #include "mulittable/tfheaderdatastruct.h"
-#include "jsonparser/tfjsontablefactory.h"
-#include "jsonparser/tfjsontablenames.h"
 #include "jsonparser/tfobjectviewconfigtable.h"
 #include "jsonparser/tfsummaryjsontable.h"
 #include "jsonparser/tfviewconfigtable.h"
 
-#include "../shared/jsontext.h"
 #include "../shared/messagelog.h"
 
 #include <QFile>
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <memory>
 
 using TFSubject::TFJsonParser;
 
@@ -27,9 +22,6 @@ class tst_TFJsonParserConfig : public QObject
     Q_OBJECT
 
 private slots:
-
-    void dataTable_data();
-    void dataTable();
 
     void rejects_data();
     void rejects();
@@ -79,35 +71,6 @@ QJsonObject tst_TFJsonParserConfig::loadDocument(const QString& name)
     if (error.error != QJsonParseError::NoError || !document.isObject())
         qFatal("%s: %s", qPrintable(name), qPrintable(error.errorString()));
     return document.object();
-}
-
-void tst_TFJsonParserConfig::dataTable_data()
-{
-    QTest::addColumn<QJsonValue>("value");
-    QTest::addColumn<int>("rowCount");
-
-    QTest::newRow("rows") << QJsonValue(QJsonArray { QJsonObject { { "A", 1 } }, QJsonObject { { "A", 2 } } }) << 2;
-    QTest::newRow("empty array") << QJsonValue(QJsonArray()) << 0;
-    QTest::newRow("elements that are no objects are empty rows")
-        << QJsonValue(QJsonArray { 1, QJsonObject { { "A", 1 } }, "x", QJsonValue() }) << 4;
-    QTest::newRow("object") << QJsonValue(QJsonObject { { "A", 1 } }) << 0;
-    QTest::newRow("text") << QJsonValue("[{\"A\":1}]") << 0;
-}
-
-void tst_TFJsonParserConfig::dataTable()
-{
-    QFETCH(QJsonValue, value);
-    QFETCH(int, rowCount);
-
-    TFDataJsonTable table;
-    table.setRows({ QVariantMap { { "old", 1 } } });
-    table.initWith(value);
-    QCOMPARE(table.rows().size(), rowCount);
-    if (value.isArray()) {
-        const QJsonArray array = value.toArray();
-        for (int i = 0; i < array.size(); ++i)
-            QCOMPARE(table.rows().at(i), array.at(i).toObject().toVariantMap());
-    }
 }
 
 void tst_TFJsonParserConfig::rejects_data()
