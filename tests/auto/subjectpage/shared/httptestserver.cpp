@@ -43,7 +43,9 @@ public:
     void shutDown()
     {
         close();
-        const auto sockets = findChildren<QTcpSocket *>();
+        // Direct children only: a TLS socket owns a plain socket of its own,
+        // which its destructor deletes.
+        const auto sockets = findChildren<QTcpSocket *>(QString(), Qt::FindDirectChildrenOnly);
         for (QTcpSocket *socket : sockets)
             socket->abort();
         qDeleteAll(sockets);
