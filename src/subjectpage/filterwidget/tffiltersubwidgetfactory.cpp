@@ -1,12 +1,18 @@
 #include "filterwidget/tffiltersubwidgetfactory.h"
 
+#include "filterwidget/tfcheckcombox.h"
+#include "filterwidget/tfcombobox.h"
 #include "filterwidget/tfdateedit.h"
 #include "filterwidget/tfdatetimeinterval.h"
 #include "filterwidget/tfdecimaltexteditinterval.h"
 #include "filterwidget/tffilterlabel.h"
 #include "filterwidget/tffilterwidget.h"
 #include "filterwidget/tflineedit.h"
+#include "filterwidget/tfmultiyear.h"
 #include "filterwidget/tfpushbutton.h"
+#include "filterwidget/tfreportdatesimple.h"
+#include "filterwidget/tfyearmonthinterval.h"
+#include "filterwidget/tfyearmonthsimple.h"
 
 #include <QDebug>
 
@@ -28,21 +34,19 @@ TFBaseFilterWidget *TFFilterCtlFactory::createWidget(const TFTableModelData::Fil
 
     TFBaseFilterWidget *control = nullptr;
     // The order matters: "DecimalTextEditInterval" holds "textedit", and
-    // "CheckComboBox" holds "combobox". The list and period controls
-    // (years, check list, combo box, report dates, months) are not built
-    // yet: their rows take their places in the order and make nothing.
+    // "CheckComboBox" holds "combobox".
     if (name == QLatin1String("DecimalTextEditInterval")) {
         control = new TFDecimalTextEditInterval(data, bar);
     } else if (has(name, "dateedit")) {
         control = new TFDateEdit(data, bar);
     } else if (has(name, "simpleyear")) {
-        return nullptr;
+        control = new TFMultiYear(data, false, bar);
     } else if (has(name, "multyear")) {
-        return nullptr;
+        control = new TFMultiYear(data, true, bar);
     } else if (has(name, "checkcombobox")) {
-        return nullptr;
+        control = new TFCheckCombox(data, bar);
     } else if (has(name, "combobox")) {
-        return nullptr;
+        control = new TFComboBox(data, bar);
     } else if (has(name, "textedit") || has(name, "KeywordsBox")) {
         control = new TFLineEdit(data, bar);
     } else if (has(name, "button")) {
@@ -50,14 +54,14 @@ TFBaseFilterWidget *TFFilterCtlFactory::createWidget(const TFTableModelData::Fil
     } else if (has(name, "datetimeinterval")) {
         control = new TFDatetimeInterval(data, bar);
     } else if (has(name, "ReportDateSimple")) {
-        return nullptr;
+        control = new TFReportDateSimple(data, bar);
     } else if (has(name, "YearMonthInterval")) {
-        return nullptr;
+        control = new TFYearMonthInterval(data, bar);
     } else if (has(name, "virtualcntrl") || has(name, "F9SecuIdCntrl") || has(name, "F9COMIDCntrl")) {
         control = new TFFilterLabel(data, bar);
         control->hide();
     } else if (has(name, "YearMonthSimple")) {
-        return nullptr;
+        control = new TFYearMonthSimple(data, bar);
     } else {
         const char rule[] = "\n--------------not suports no contains-------------\n ";
         qDebug().nospace() << rule;

@@ -60,15 +60,20 @@ void tst_TFFilterCtlFactory::orderOfTests_data()
     QTest::newRow("interval in other case is a text box") << "decimalTextEditInterval" << "TFLineEdit" << false;
     QTest::newRow("date edit, case and surroundings ignored") << "dateEditFrom" << "TFDateEdit" << false;
     QTest::newRow("date edit before text edit") << "TextEditDateEdit" << "TFDateEdit" << false;
-    QTest::newRow("combo box before text edit") << "ComboBoxTextEdit" << "" << false;
-    QTest::newRow("check list before button") << "CheckComboBoxButton" << "" << false;
+    QTest::newRow("single year") << "SimpleYear" << "TFMultiYear" << false;
+    QTest::newRow("many years") << "MultYear" << "TFMultiYear" << false;
+    QTest::newRow("combo box before text edit") << "ComboBoxTextEdit" << "TFComboBox" << false;
+    QTest::newRow("unit list") << "UnitFactorCombobox" << "TFComboBox" << false;
+    QTest::newRow("check list before combo box and button") << "CheckComboBoxButton" << "TFCheckCombox" << false;
     QTest::newRow("keywords box") << "KeywordsBox" << "TFLineEdit" << false;
     QTest::newRow("keywords, case ignored") << "keywordsbox" << "TFLineEdit" << false;
     QTest::newRow("text edit before button") << "TextEditButton" << "TFLineEdit" << false;
     QTest::newRow("button before date interval") << "ButtonDateTimeInterval" << "TFPushbutton" << false;
     QTest::newRow("date interval") << "DateTimeInterval" << "TFDatetimeInterval" << false;
     QTest::newRow("date interval before virtual") << "DateTimeIntervalVirtualCntrl" << "TFDatetimeInterval" << false;
-    QTest::newRow("report date before virtual") << "ReportDateSimpleVirtualCntrl" << "" << false;
+    QTest::newRow("report date before virtual") << "ReportDateSimpleVirtualCntrl" << "TFReportDateSimple" << false;
+    QTest::newRow("month range before virtual") << "YearMonthIntervalVirtualCntrl" << "TFYearMonthInterval" << false;
+    QTest::newRow("month") << "YearMonthSimple" << "TFYearMonthSimple" << false;
     QTest::newRow("virtual before month") << "YearMonthSimpleVirtualCntrl" << "TFFilterLabel" << true;
     QTest::newRow("virtual") << "VirtualCntrl" << "TFFilterLabel" << true;
     QTest::newRow("F9 security") << "F9SecuIdCntrl" << "TFFilterLabel" << true;
@@ -88,7 +93,9 @@ void tst_TFFilterCtlFactory::orderOfTests()
     QCOMPARE(control ? QString::fromLatin1(control->metaObject()->className()) : QString(), built);
     if (control) {
         QCOMPARE(control->parent(), &bar);
-        QCOMPARE(control->objectName(), className);
+        // The check list renames itself.
+        QCOMPARE(control->objectName(),
+                 built == "TFCheckCombox" ? QStringLiteral("CustomCheckCombobox") : className);
         QCOMPARE(control->isHidden(), hidden);
     }
 }
