@@ -1,8 +1,10 @@
 #include "filterrow.h"
+#include "expression/tfcustommath.h"
 #include "httptestserver.h"
 
 #include "filterwidget/tfcheckcombox.h"
 #include "filterwidget/tfcombobox.h"
+#include "filterwidget/tffilterwidget.h"
 #include "httpservice/tfwxrshttp.h"
 #include "net/tfuc.h"
 
@@ -67,6 +69,8 @@ private slots:
     void answerAfterTheControlIsGone();
     void serviceLists_data();
     void serviceLists();
+    void badInputKeepsTheBar_data();
+    void badInputKeepsTheBar();
 
 private:
     QStringList serviceNames(const QString &list);
@@ -269,6 +273,64 @@ void tst_RemoteLists::serviceLists()
     // values the list filters by them all, otherwise by empty texts.
     QCOMPARE(check.getCntrl().value.toStringList(),
              namesAreValues ? names : QStringList(QVector<QString>(names.size()).toList()));
+}
+
+void tst_RemoteLists::badInputKeepsTheBar_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("list request fails") << 500 << QByteArray("error");
+    QTest::newRow("list reply malformed") << 200 << QByteArray("{\"data\":[{\"NAME\":");
+}
+
+void tst_RemoteLists::badInputKeepsTheBar()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, reply);
+
+    HttpTestServer server;
+    server.setHandler([status, reply](const RecordedRequest &) {
+        CannedReply canned;
+        canned.status = status;
+        canned.body = reply;
+        return canned;
+    });
+    QVERIFY(server.start());
+    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), server.baseUrl());
+
+    QList<TFTableModelData::FilterData> rows{
+        filterRow(R"({"ClassName":"ComboBox","FieldName":"IND_NAME","DataSourceName":"L","DataSourceFilterParams":"{bad"})"),
+        filterRow(R"({"ClassName":"CheckComboBox","FieldName":"MKT","Operator":"IN","DataSourceName":"L"})"),
+        filterRow(R"({"ClassName":"UnitFactorCombobox","FieldName":"UNIT","UnitCategory":1,"DefualtValue":"万元"})"),
+        filterRow(R"({"ClassName":"ComboBox","FieldName":"CITY","NameValues":";;=;上海=SH;北京;上海=SH2;a=b=c"})"),
+        filterRow(R"({"ClassName":"CheckComboBox","FieldName":"EX","Operator":"IN","NameValues":"A=A;;A=A;=;B="})"),
+        filterRow(R"({"ClassName":"DecimalTextEditInterval","FieldName":"PCT","DefualtValue":"1;5","ControlParameters":"Step==x=}{"})"),
+        filterRow(R"({"ClassName":"SimpleYear","FieldName":"YEAR","NameValues":";;2019年=1;;2019年=1","ControlParameters":"{"})"),
+        filterRow(R"({"ClassName":"ReportDateSimple5","FieldName":"END","ParameterCategory":1,"DefualtValue":"=date'x'"})"),
+        filterRow(R"({"ClassName":"KeywordsBox","FieldName":"","ParameterCategory":1})")};
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
+    TFCustomMath::instance()->setClock([] { return QDateTime(QDate(2024, 7, 15), QTime(10, 0)); });
+    TFFilterWidget bar;
+    bar.setFilterData(rows);
+    TFCustomMath::instance()->setClock({});
+    QCOMPARE(bar.findChildren<TFBaseFilterWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), rows.size());
+    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 2, 10000);
+    QTest::qWait(300);
+
+    QList<FilterParam::DataSourceFilter> params;
+    QList<FilterParam::CustomFilter> filters;
+    bar.finalFilter(params, filters);
+    QStringList terms;
+    for (const FilterParam::CustomFilter &filter : filters)
+        terms.append(filter.paramName + " " + filter.op + " " + QVariant(filter.values).toStringList().join(','));
+    // Neither remote list nor the unit list filters; the rest keep working.
+    QCOMPARE(terms.join(" / "), QStringLiteral("CITY_0 == SH2 / EX_0 in A / PCT_0 >= 1 / PCT_1 <= 5 / YEAR_0 == 2019"));
+    // An unreadable default leaves the report date on its first entries.
+    QCOMPARE(params.size(), 2);
+    QCOMPARE(params.at(0).key, QStringLiteral("END"));
+    QCOMPARE(params.at(0).value, QVariant("2024-06-30"));
+    QCOMPARE(params.at(1).key, QStringLiteral("keywords"));
 }
 
 QTEST_MAIN(tst_RemoteLists)
