@@ -52,6 +52,7 @@ private slots:
     void bar_data();
     void bar();
     void everyClassNameIsUsed();
+    void unitChoiceRescalesTheTable();
 
 private:
     QJsonObject post(const TFUc::TFRequestContent &content);
@@ -215,6 +216,49 @@ void tst_FilterCatalogue::everyClassNameIsUsed()
             missing.append(name);
     }
     QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ")));
+}
+
+// A user opens the unit list of the quarterly figures and picks another
+// unit with the keyboard; the table shows the new unit in its captions and
+// its numbers in that unit.
+void tst_FilterCatalogue::unitChoiceRescalesTheTable()
+{
+    TFSubjectTableWidget widget(nullptr, true);
+    widget.initLayout();
+    widget.resize(1400, 700);
+    widget.show();
+    widget.reset(264);
+    NtResponse response;
+    QVERIFY(TFJSP::parseResponse(QString::fromUtf8(QJsonDocument(post(TFUc::viewConfigRequest(264, {}, {}))).toJson()),
+                                 response));
+    QVERIFY(widget.parseConfig(response.data, true));
+    QTRY_VERIFY_WITH_TIMEOUT(widget.model() && widget.model()->rowCount() > 0, 30000);
+
+    auto *unitList = widget.filterWidget()->findChild<TFComboBox *>(QStringLiteral("UnitFactorCombobox"));
+    QVERIFY(unitList);
+    QComboBox *box = unitList->comboBox();
+    QCOMPARE(box->currentText(), QStringLiteral("亿元"));
+    const int revenue = widget.header()->leafCaptions().indexOf(QRegularExpression(QStringLiteral("^营业收入.*")));
+    QVERIFY(revenue >= 0);
+    QCOMPARE(widget.header()->leafCaptions().at(revenue), QStringLiteral("营业收入(亿元)"));
+
+    // Open the list, walk up from 亿元 to 万元 and take it.
+    QTest::mouseClick(box, Qt::LeftButton);
+    QTRY_VERIFY(box->view()->isVisible());
+    QTest::keyClick(box->view(), Qt::Key_Up);
+    QTest::keyClick(box->view(), Qt::Key_Up);
+    QTest::keyClick(box->view(), Qt::Key_Return);
+    QTRY_COMPARE(box->currentText(), QStringLiteral("万元"));
+
+    TFSubjectTableModel *model = widget.model();
+    QTRY_COMPARE(model->unitFactor(), 10000);
+    QCOMPARE(widget.header()->leafCaptions().at(revenue), QStringLiteral("营业收入(万元)"));
+    QCOMPARE(model->headerData(revenue, Qt::Horizontal).toString(), QStringLiteral("营业收入(万元)"));
+    for (int row : {0, model->rowCount() - 1}) {
+        const double raw = model->index(row, revenue).data(TFSubjectTableModel::RawValueRole).toDouble();
+        const double shown = model->index(row, revenue).data().toString().remove(',').toDouble();
+        QVERIFY2(qAbs(shown - raw / 10000) <= 0.0051, qPrintable(QString("%1 %2").arg(shown).arg(raw)));
+    }
 }
 
 QTEST_MAIN(tst_FilterCatalogue)
