@@ -108,12 +108,15 @@ void TFCheckCombox::slotOnItemDataUpdate(QMap<QString, QString> data)
         m_allItem = new QListWidgetItem(tr("All"), m_list);
         m_allItem->setData(Qt::UserRole, m_allIndex);
         m_allItem->setCheckState(Qt::Unchecked);
+        m_allItem->setFlags(m_allItem->flags() & ~Qt::ItemIsUserCheckable);
     }
     int index = 0;
     for (auto it = data.cbegin(); it != data.cend(); ++it, ++index) {
         auto *item = new QListWidgetItem(it.key(), m_list);
         item->setData(Qt::UserRole, index);
         item->setCheckState(Qt::Unchecked);
+        // The press flips the tick; the view must not flip it back on release.
+        item->setFlags(item->flags() & ~Qt::ItemIsUserCheckable);
         m_indexText.insert(index, it.key());
         m_textValue.insert(it.key(), it.value());
     }

@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QToolButton>
 #include <QtTest>
 
@@ -56,6 +57,8 @@ private slots:
     void ticking_data();
     void ticking();
     void longTextIsCut();
+    void mouseTicks_data();
+    void mouseTicks();
 };
 
 void tst_ListControls::initTestCase()
@@ -312,6 +315,37 @@ void tst_ListControls::longTextIsCut()
     QVERIFY(metrics.horizontalAdvance(control.fullText()) >= 210);
     QVERIFY(control.button()->text().endsWith(QChar(0x2026)));
     QVERIFY(metrics.horizontalAdvance(control.button()->text()) <= 210);
+}
+
+void tst_ListControls::mouseTicks_data()
+{
+    QTest::addColumn<int>("x");     // where in the item's row the click lands
+    QTest::newRow("on the tick box") << 10;
+    QTest::newRow("on the text") << 60;
+}
+
+// A user opens the list and clicks an item: it flips once, and the menu
+// stays open for the next click.
+void tst_ListControls::mouseTicks()
+{
+    QFETCH(int, x);
+    TFTableModelData::FilterData data;
+    data.ClassName = QStringLiteral("CheckComboBox");
+    data.FieldName = QStringLiteral("MKT");
+    data.NameValues = QStringLiteral("A=A;B=B;C=C");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
+    TFCheckCombox control(data);
+    control.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&control));
+    control.menu()->popup(control.button()->mapToGlobal(QPoint(0, control.button()->height())));
+    QTRY_VERIFY(control.menu()->isVisible());
+    QListWidgetItem *item = itemNamed(control, QStringLiteral("B"));
+    const QRect rect = control.listWidget()->visualItemRect(item);
+    QTest::mouseClick(control.listWidget()->viewport(), Qt::LeftButton, {}, QPoint(rect.left() + x, rect.center().y()));
+    QCOMPARE(checkedItems(control), (QStringList{"A", "C"}));
+    QCOMPARE(control.button()->text(), QStringLiteral("A;C"));
+    QVERIFY(control.menu()->isVisible());
+    control.menu()->hide();
 }
 
 QTEST_MAIN(tst_ListControls)
