@@ -62,9 +62,9 @@ public:
 
 signals:
     void sigGetDataButtonClicked(QString Filter);
-    void signalSimpleButtonSaveToExcel(int type, QString saveType);
-    void signalSimpleButtonSaveToExcel(int type);
-    void signalSimpleButtonSaveToExcel();
+    // Also offered as (int) and (), the omitted arguments defaulted; a
+    // listener of any of the three forms hears each emission once.
+    void signalSimpleButtonSaveToExcel(int type = 0, QString saveType = QStringLiteral("excel"));
     void signalSortChanged();
     void signalComboBoxChanged(int unitCode, int unitCategroy);
 

@@ -141,6 +141,8 @@ void tst_TFFilterCtlFactory::buttonsReachTheBar()
     QSignalSpy getDataSpy(&bar, &TFFilterWidget::sigGetDataButtonClicked);
     QSignalSpy saveSpy(&bar, qOverload<int, QString>(&TFFilterWidget::signalSimpleButtonSaveToExcel));
     QSignalSpy sortSpy(&bar, &TFFilterWidget::signalSortChanged);
+    QSignalSpy shortSaveSpy(&bar, SIGNAL(signalSimpleButtonSaveToExcel(int)));
+    QSignalSpy shortestSaveSpy(&bar, SIGNAL(signalSimpleButtonSaveToExcel()));
 
     auto *control = qobject_cast<TFPushbutton *>(TFFilterCtlFactory::createWidget(row(className, "查询"), &bar));
     QVERIFY(control);
@@ -163,6 +165,8 @@ void tst_TFFilterCtlFactory::buttonsReachTheBar()
     if (getData)
         QVERIFY(getDataSpy.first().first().toString().isNull());
     QCOMPARE(saveSpy.count(), save);
+    QCOMPARE(shortSaveSpy.count(), save);
+    QCOMPARE(shortestSaveSpy.count(), save);
     if (save)
         QCOMPARE(saveSpy.first(), (QVariantList{1, QStringLiteral("excel")}));
     QCOMPARE(sortSpy.count(), sort);

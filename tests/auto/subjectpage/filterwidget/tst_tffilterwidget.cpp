@@ -1,6 +1,7 @@
 #include "filterwidget/tfbasefilterwidget.h"
 #include "filterwidget/tffilterwidget.h"
 #include "jsonparser/tffilterjsontable.h"
+#include "tfbaseview.h"
 #include "tfsubjectmainframe.h"
 
 #include "expression/tfcustommath.h"
@@ -58,6 +59,23 @@ QString finalFilterOf(TFFilterWidget &bar)
     return describe(params, filters);
 }
 
+// A child view as far as its filters go: its rows are what the test gives.
+class ChildView : public TFBaseView
+{
+public:
+    QList<TFTableModelData::FilterData> rows;
+
+    void clear() override {}
+    bool parseConfig(const QJsonValue &, bool) override { return true; }
+    bool handleResponse(const QJsonValue &, const QString &, int) override { return true; }
+    bool isDataSourceFilter(const QString &) override { return false; }
+    void setFilterArgs(QMap<QString, QVariant>) override {}
+    QList<FilterParam::Cntrl> getCntrls() override { return {}; }
+    QList<TFTableModelData::FilterData> filterList() override { return rows; }
+    QString caption() override { return QString(); }
+    bool isCross() override { return false; }
+};
+
 } // namespace
 
 class tst_TFFilterWidget : public QObject
@@ -74,6 +92,7 @@ private slots:
     void globalAndF9Arguments();
     void rebuildLeavesOnlyTheNewControls();
     void dynamicArgs();
+    void childViewTakesTheBarsValues();
 };
 
 void tst_TFFilterWidget::initTestCase()
@@ -278,6 +297,23 @@ void tst_TFFilterWidget::dynamicArgs()
     bar.setDynamicArgsCarrier(&carrier);
     bar.updateDynamicArgs();
     QCOMPARE(bar.dynamicArgs(), (QVariantMap{{"a", 1}}));
+}
+
+void tst_TFFilterWidget::childViewTakesTheBarsValues()
+{
+    // A child's "between" row takes the range of the main bar; a linked
+    // field whose cell is empty falls back on the bar control of that key.
+    TFFilterWidget bar;
+    bar.setFilterData(rows(R"J([{"ClassName":"DateTimeInterval","FieldName":"T","ValueType":"DateTime","DefualtValue":"date'2024-01-01';date'2024-03-31'"},
+                               {"ClassName":"TextEdit","FieldName":"CODE","ValueType":"string","DefualtValue":"600"}])J"));
+    ChildView child;
+    child.rows = rows(R"J([{"ClassName":"TextEdit","FieldName":"D","Operator":"between"},
+                           {"ClassName":"TextEdit","FieldName":"C","Operator":"=","ValueType":"string"}])J");
+    TFTableModelData::tagCellValue cell;
+    cell.fieldName = QStringLiteral("CODE");
+    child.setChildFilters(bar.getCntrls(), RowData{cell}, QStringLiteral("A.CODE=数据源.C"));
+    QCOMPARE(describe(child.params(), child.filters()),
+             QStringLiteral(R"J([["",null]] [["D","D_start","<=",["2024-01-01 00:00:00"]],["D_start","D_start_start","<=",["2024-03-31 23:59:59"]],["C","C","==",["600"]]])J"));
 }
 
 QTEST_MAIN(tst_TFFilterWidget)
