@@ -131,6 +131,10 @@ QVariant TFFilterWidget::translate(const QString &key, const QVariant &value, co
         if (!global.isEmpty() && global.contains(key))
             return TFToolsFunc::valueTrans(global.value(key).toString(), valueType);
     }
+    // A control without a value (a list whose text has no value behind it)
+    // keeps none, so that the entry is dropped instead of sent as "".
+    if (!value.isValid())
+        return value;
     return TFToolsFunc::valueTrans(value, valueType);
 }
 
