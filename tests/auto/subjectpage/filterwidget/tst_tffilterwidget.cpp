@@ -182,6 +182,10 @@ void tst_TFFilterWidget::finalFilter_data()
                          {"ClassName":"VirtualCntrl","FieldName":"N","ValueType":"decimal","DefualtValue":"abc"},
                          {"ClassName":"TextEdit","FieldName":"C","ValueType":"string","DefualtValue":"x"}])J")
         << R"J([] [["D","D_0","==",["[2000-01-01 23:59:59]"]],["N","N_0","==",[0]],["C","C_0","==",["x"]]])J";
+    QTest::newRow("a number where a text belongs reads as empty")
+        << QByteArray(R"J([{"ClassName":"TextEdit","FieldName":"C","ValueType":"string","DefualtValue":5},
+                         {"ClassName":"DateTimeInterval","FieldName":"T","ValueType":"DateTime","DefualtValue":["x"]}])J")
+        << R"J([] [["C","C_0","==",[""]],["T","T_0",">=",["[2024-06-15 00:00:00]"]],["T","T_1","<=",["[2024-06-15 23:59:59]"]]])J";
     QTest::newRow("group marker, sort button and buttons add nothing")
         << QByteArray(R"J([{"ClassName":"GroupFlagControl","FieldName":"G","DefualtValue":"1"},
                          {"ClassName":"SimpleButtonSort","FieldName":"S","DefualtValue":"1"},
