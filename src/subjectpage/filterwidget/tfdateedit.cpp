@@ -10,6 +10,7 @@ TFDateEdit::TFDateEdit(const TFTableModelData::FilterData &data, QWidget *parent
     , m_edit(new QDateEdit(this))
 {
     m_edit->setCalendarPopup(true);
+    m_edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);

@@ -17,8 +17,10 @@ TFDatetimeInterval::TFDatetimeInterval(const TFTableModelData::FilterData &data,
 {
     m_start->setObjectName(QStringLiteral("startDate"));
     m_end->setObjectName(QStringLiteral("endDate"));
-    m_start->setCalendarPopup(true);
-    m_end->setCalendarPopup(true);
+    for (QDateEdit *edit : {m_start, m_end}) {
+        edit->setCalendarPopup(true);
+        edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
+    }
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);

@@ -29,9 +29,7 @@ FilterParam::Cntrl TFLineEdit::getCntrl()
         const QStringList parts = m_edit->text().split(QLatin1Char(','), Qt::SkipEmptyParts);
         cntrl.value = parts;
         if (cntrl.valueType.compare(QLatin1String("decimal"), Qt::CaseInsensitive) == 0) {
-            // The parts are read as numbers on the way, yet go out as texts.
-            for (const QString &part : parts)
-                part.toLongLong(nullptr, 10);
+            // A list of numbers by its type, yet the parts go out as texts.
             cntrl.valueType = QStringLiteral("intlist");
         } else {
             cntrl.valueType = QStringLiteral("stringList");

@@ -3,6 +3,8 @@
 #include "filterwidget/tffilterwidget.h"
 #include "filterwidget/tfpushbutton.h"
 
+#include "tfcore/tfcore.h"
+
 #include <QMenu>
 #include <QToolButton>
 #include <QtTest>
@@ -48,6 +50,7 @@ private slots:
     void buttonsReachTheBar_data();
     void buttonsReachTheBar();
     void unitListReachesTheBar();
+    void buttonIconsFollowTheSkin();
 };
 
 void tst_TFFilterCtlFactory::orderOfTests_data()
@@ -184,6 +187,35 @@ void tst_TFFilterCtlFactory::unitListReachesTheBar()
     emit unit.signalCurrentIndexChanged(1004, 1);
     QCOMPARE(spy.count(), 1);
     QCOMPARE(spy.first(), (QVariantList{1004, 1}));
+}
+
+void tst_TFFilterCtlFactory::buttonIconsFollowTheSkin()
+{
+    TFCore *core = TFCore::instance();
+    core->setSkinsRoot(QStringLiteral(SUBJECT_TEST_DATA_DIR "/../../skins"));
+    QVERIFY(core->setCurrentSkin(QStringLiteral("white")));
+    auto iconOf = [](TFPushbutton *control) { return control->button()->icon().pixmap(16, 16).toImage(); };
+    auto skinImage = [](const char *skin, const char *file) {
+        return QImage(QStringLiteral(SUBJECT_TEST_DATA_DIR "/../../skins/%1/subject/%2").arg(skin, file));
+    };
+
+    TFFilterWidget bar;
+    auto *getData = qobject_cast<TFPushbutton *>(TFFilterCtlFactory::createWidget(row("SimpleButtonGetData"), &bar));
+    auto *save = qobject_cast<TFPushbutton *>(TFFilterCtlFactory::createWidget(row("SimpleButtonSaveToExcel"), &bar));
+    auto *sort = qobject_cast<TFPushbutton *>(TFFilterCtlFactory::createWidget(row("SimpleButtonSort"), &bar));
+    const QImage whiteDownload = skinImage("white", "download_hover.png");
+    const QImage whiteSave = skinImage("white", "save.png");
+    QVERIFY(!whiteDownload.isNull() && whiteDownload != skinImage("black", "download_hover.png"));
+    QCOMPARE(iconOf(getData), whiteDownload.convertToFormat(iconOf(getData).format()));
+    QCOMPARE(iconOf(save), whiteSave.convertToFormat(iconOf(save).format()));
+    QVERIFY(sort->button()->icon().isNull());
+
+    // Only the query and sort kinds listen to a change of skin.
+    QVERIFY(core->setCurrentSkin(QStringLiteral("black")));
+    const QImage blackDownload = skinImage("black", "download_hover.png");
+    QCOMPARE(iconOf(getData), blackDownload.convertToFormat(iconOf(getData).format()));
+    QCOMPARE(iconOf(save), whiteSave.convertToFormat(iconOf(save).format()));
+    QVERIFY(core->setCurrentSkin(QStringLiteral("white")));
 }
 
 QTEST_MAIN(tst_TFFilterCtlFactory)

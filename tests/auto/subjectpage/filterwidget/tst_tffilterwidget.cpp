@@ -91,7 +91,6 @@ private slots:
     void globalAndF9Arguments_data();
     void globalAndF9Arguments();
     void rebuildLeavesOnlyTheNewControls();
-    void dynamicArgs();
     void childViewTakesTheBarsValues();
 };
 
@@ -289,18 +288,6 @@ void tst_TFFilterWidget::rebuildLeavesOnlyTheNewControls()
     bar.reset();
     QCOMPARE(bar.controls().size(), 0);
     QCOMPARE(bar.layout()->count(), 0);
-}
-
-void tst_TFFilterWidget::dynamicArgs()
-{
-    TFFilterWidget bar;
-    bar.updateDynamicArgs();
-    QVERIFY(bar.dynamicArgs().isEmpty());
-    QObject carrier;
-    carrier.setProperty("dynamicArgs", QVariantMap{{"a", 1}});
-    bar.setDynamicArgsCarrier(&carrier);
-    bar.updateDynamicArgs();
-    QCOMPARE(bar.dynamicArgs(), (QVariantMap{{"a", 1}}));
 }
 
 void tst_TFFilterWidget::childViewTakesTheBarsValues()
