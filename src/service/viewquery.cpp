@@ -1,5 +1,7 @@
 #include "viewquery.h"
 
+#include <algorithm>
+
 #include "servicedatabase.h"
 
 #include <QJsonObject>
@@ -66,6 +68,15 @@ bool ViewQuery::whereClause(const RequestBody &body, const ColumnSet &columns, c
     QList<FilterCondition> conditions;
     if (!FilterExpression::parse(body.filter, &conditions, error))
         return false;
+    // The page asks for a view's configuration with the filters of the view it
+    // showed before; conditions on fields this view doesn't have are left out.
+    if (view && body.hasFlag && body.flag == 0) {
+        conditions.erase(std::remove_if(conditions.begin(), conditions.end(),
+                                        [&columns](const FilterCondition &c) {
+                                            return !columns.contains(c.field.toUpper());
+                                        }),
+                         conditions.end());
+    }
     SqlFragment filter;
     if (!FilterExpression::translate(conditions, body.filterParams, columns, &filter, error))
         return false;

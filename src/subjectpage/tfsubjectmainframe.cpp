@@ -1,5 +1,6 @@
 #include "tfsubjectmainframe.h"
 
+#include "filterwidget/tfcacheconfig.h"
 #include "net/tfdm.h"
 #include "net/tfjsp.h"
 #include "net/tfuc.h"
@@ -204,9 +205,7 @@ void TFSubjectMainFrame::requestConstants(const NtResponse &navigation)
         NtResponse gate;
         if (!isOk || !TFJSP::parseResponse(QString::fromUtf8(data), gate))
             return;
-        // The process-wide table of constants (TFCacheConfig) takes these
-        // rows; until that table exists they are only counted here.
-        qDebug() << "constants rows:" << rows.toArray().size();
+        TFCacheConfig::instance()->initWith(rows);
     });
 }
 

@@ -195,6 +195,20 @@ TFRequestContent constantsRequest()
     return dsRequest(content);
 }
 
+TFRequestContent listRequest(const QString &objName, const QString &filter, const QString &filterParams)
+{
+    // A list control's own body: no "auth", just the named object, its
+    // filter text and the parameters, an empty object when they aren't JSON.
+    QJsonObject content;
+    content.insert(QStringLiteral("filter"), filter);
+    content.insert(QStringLiteral("filterParams"), QJsonDocument::fromJson(filterParams.toUtf8()).object());
+    content.insert(QStringLiteral("objName"), objName);
+    TFRequestContent request;
+    request.url = endpoint(kDsDataPath);
+    request.body = compact(content);
+    return request;
+}
+
 TFRequestContent subjectRequest(const Params &params, const Filters &filters, const TFPaging &paging)
 {
     TFJSContent content;

@@ -114,6 +114,8 @@ QJsonObject authObject();
 TFRequestContent navigationRowsRequest(qint64 pNodeCode);
 TFRequestContent blockRowsRequest(int securityType);
 TFRequestContent constantsRequest();
+// The request of a list control that fills from the named data object.
+TFRequestContent listRequest(const QString &objName, const QString &filter, const QString &filterParams);
 
 // Requests of /bas/subject/data: flag 0 configuration, 1 rows, 2 whole data set.
 TFRequestContent viewConfigRequest(qint64 objVwId, const Params &params, const Filters &filters);

@@ -30,6 +30,8 @@ private slots:
     void navigation_data();
     void navigation();
     void navigationUnknownRoot();
+    void foreignFieldsOfAConfigurationRequest_data();
+    void foreignFieldsOfAConfigurationRequest();
     void blockRows();
     void constants();
     void remoteList();
@@ -244,6 +246,34 @@ void tst_SubjectService::helpPage()
     QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 200);
     QVERIFY(QString::fromUtf8(reply->readAll()).contains("股票专题"));
     delete reply;
+}
+
+void tst_SubjectService::foreignFieldsOfAConfigurationRequest_data()
+{
+    QTest::addColumn<int>("flag");
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<int>("state");
+    QTest::addColumn<int>("rows");      // -1: not checked
+    // The filters of the macro view the page showed before, carried into the
+    // stock view's configuration request.
+    QTest::newRow("configuration leaves them out") << 0 << "(YM >= :YM_0) && (YM <= :YM_1)" << 1 << 100;
+    QTest::newRow("its own fields still filter") << 0 << "(YM >= :YM_0) && (MKT == :MKT_0)" << 1 << 0;
+    QTest::newRow("rows refuse them") << 1 << "(YM >= :YM_0) && (YM <= :YM_1)" << 0 << -1;
+}
+
+void tst_SubjectService::foreignFieldsOfAConfigurationRequest()
+{
+    QFETCH(int, flag);
+    QFETCH(QString, filter);
+    QFETCH(int, state);
+    QFETCH(int, rows);
+    const ServiceReply reply = postJson(base(), "/bas/subject/data",
+                                        {{"obj_vw_id", 260}, {"flag", flag}, {"filter", filter},
+                                         {"filterParams", QJsonObject{{"YM_0", "'2024-1'"}, {"YM_1", "'2024-1'"},
+                                                                      {"MKT_0", "no such market"}}}});
+    QCOMPARE(reply.state(), state);
+    if (rows >= 0)
+        QCOMPARE(reply.data().toObject().value("Data").toArray().size(), rows);
 }
 
 void tst_SubjectService::filterTranslation_data()

@@ -8,6 +8,7 @@
 #include "tfsubjecttreewidget.h"
 #include "tftreemodel.h"
 
+#include "filterwidget/tfcacheconfig.h"
 #include "tfcore/tfappconfig.h"
 #include "tfcore/tfserviceconfig.h"
 #include "tfcore/tfwebview.h"
@@ -60,6 +61,7 @@ struct Service
     QJsonArray navigation;
     QJsonArray blocks;
     NavReply navReply = NavReply::Good;
+    bool constantsFail = false;
 
     CannedReply answer(const RecordedRequest &request) const
     {
@@ -79,7 +81,10 @@ struct Service
             reply.body = HttpTestServer::envelope(blocks);
             break;
         case 390:
-            reply.body = HttpTestServer::envelope(QJsonArray{QJsonObject{{"VALUE", "1"}, {"NAME", "n"}}});
+            if (constantsFail)
+                reply.body = R"({"state":1})";
+            else
+                reply.body = HttpTestServer::envelope(QJsonArray{QJsonObject{{"VALUE", "1"}, {"NAME", "n"}}});
             break;
         default:
             reply.body = "<html><body>page</body></html>";
@@ -108,6 +113,8 @@ private slots:
     void groupChangeSetsTheWindowTitle();
     void blockTreeAndItsFilter();
     void secondRefreshRequestsAgainAndBuildsNothing();
+    void constantsComeFromTheNavigationReply_data();
+    void constantsComeFromTheNavigationReply();
 
 private:
     // The service most cases need: the test's navigation, good replies.
@@ -371,6 +378,45 @@ void tst_TFSubjectMainFrame::secondRefreshRequestsAgainAndBuildsNothing()
     QCOMPARE(frame->rightContainer(), right);
     QCOMPARE(frame->webView(), web);
     QCOMPARE(frame->stack()->count(), 2);
+}
+
+void tst_TFSubjectMainFrame::constantsComeFromTheNavigationReply_data()
+{
+    QTest::addColumn<bool>("constantsFail");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("constants reply good") << false << QStringList{"华东", "华北"};
+    QTest::newRow("constants reply without its keys") << true << QStringList();
+}
+
+void tst_TFSubjectMainFrame::constantsComeFromTheNavigationReply()
+{
+    QFETCH(bool, constantsFail);
+    QFETCH(QStringList, names);
+    // The constants ride along in the navigation reply as rows of no node;
+    // the reply of objId 390 only decides whether the table takes them.
+    Service service = serviceWithNavigation();
+    service.constantsFail = constantsFail;
+    for (const QString &name : {QStringLiteral("华东"), QStringLiteral("华北")})
+        service.navigation.append(QJsonObject{{"NODE_CODE", -1}, {"P_NODE_CODE", -2}, {"VALUE", name + "v"},
+                                              {"NAME", name}, {"TYPE", "AREA"}, {"TYPE_DESC", "地区"},
+                                              {"FILTER1", "CN"}});
+    TFCacheConfig::instance()->clear();
+    auto server = startService(service);
+    QVERIFY(server);
+    if (constantsFail)
+        QTest::ignoreMessage(QtDebugMsg, "can't found the key: \"msg\"");
+    auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=61&nodecode=101"));
+    QTRY_COMPARE_WITH_TIMEOUT(requestsFor(*server, 390).size(), 1, 10000);
+    const auto cached = [] {
+        QStringList found;
+        for (const TFCacheConfig::CodeRecord &record : TFCacheConfig::instance()->query("AREA", "CN"))
+            found.append(record.NAME);
+        return found;
+    };
+    if (constantsFail)
+        QTest::qWait(500);     // the ignored message proves the reply was read
+    QTRY_COMPARE(cached(), names);
+    TFCacheConfig::instance()->clear();
 }
 
 int main(int argc, char *argv[])

@@ -1,0 +1,347 @@
+#include "tfsubjecttablewidget.h"
+
+#include "filterwidget/tfcacheconfig.h"
+#include "filterwidget/tfcheckcombox.h"
+#include "filterwidget/tfcombobox.h"
+#include "filterwidget/tffilterwidget.h"
+#include "httpservice/tfwxrshttp.h"
+#include "jsonparser/tfjsonparser.h"
+#include "mulittable/tfheaderdatastruct.h"
+#include "mulittable/tfsubjecttablemodel.h"
+#include "net/tfjsp.h"
+#include "net/tfuc.h"
+
+#include "subjectservice.h"
+#include "filterwidget/tfreportdatesimple.h"
+#include "tfcore/itfskin.h"
+#include "tfcore/tfcore.h"
+#include "tfcore/tfserviceconfig.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPainter>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+const char kServiceKey[] = "servercfg.ini:Subject";
+
+// Rows no control stands for: markers, the sort button and labels.
+bool buildsNoControl(const QString &className)
+{
+    return className == QLatin1String("GroupFlagControl") || className == QLatin1String("SimpleButtonSort")
+           || className == QLatin1String("LabelControl");
+}
+
+// A page-like holder that takes the skin's style sheet from the host.
+class SkinnedPage : public QWidget, public ITFSkin
+{
+public:
+    QWidget *getWidget() override { return this; }
+    void applySkinStyle(const QVariant &style) override { setStyleSheet(style.toString()); }
+};
+
+} // namespace
+
+// Each view of the demo catalogue builds its filter bar from its own
+// configuration, the way the page does; every control must report a value,
+// and the rows request the view sends with those values must be accepted.
+class tst_FilterCatalogue : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void bar_data();
+    void bar();
+    void everyClassNameIsUsed();
+    void unitChoiceRescalesTheTable();
+    void screenshot_data();
+    void screenshot();
+
+private:
+    QJsonObject post(const TFUc::TFRequestContent &content);
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<SubjectService::Server> m_server;
+};
+
+void tst_FilterCatalogue::initTestCase()
+{
+    TFTableModelData::registerRowDataType();
+    QVERIFY(m_dir.isValid());
+    QCoreApplication::setOrganizationDomain(m_dir.path());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
+    SubjectService::Options options;
+    options.dbPath = m_dir.filePath(QStringLiteral("catalogue.sqlite"));
+    m_server.reset(new SubjectService::Server(options));
+    QString error;
+    QVERIFY2(m_server->start(&error), qPrintable(error));
+    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), m_server->baseUrl());
+    TFUc::setBaseUrl(m_server->baseUrl());
+
+    // The cached codes, as the main frame takes them from the navigation reply.
+    TFUc::TFRequestContent navigation = TFUc::navigationRowsRequest(2);
+    NtResponse response;
+    QVERIFY(TFJSP::parseResponse(QString::fromUtf8(QJsonDocument(post(navigation)).toJson()), response));
+    TFCacheConfig::instance()->initWith(response.data);
+    QVERIFY(!TFCacheConfig::instance()->query(QStringLiteral("AREA"), QString()).isEmpty());
+}
+
+void tst_FilterCatalogue::cleanupTestCase()
+{
+    TFCacheConfig::instance()->clear();
+    if (m_server)
+        m_server->stop();
+}
+
+QJsonObject tst_FilterCatalogue::post(const TFUc::TFRequestContent &content)
+{
+    const auto result = TFWXRSHttp::post(content.url, content.body,
+                                         TFWXRSHttp::buildHeaders(QString(), QString(), QString()));
+    return QJsonDocument::fromJson(result.data).object();
+}
+
+void tst_FilterCatalogue::bar_data()
+{
+    QTest::addColumn<qint64>("viewId");
+    QTest::addColumn<QJsonArray>("filters");
+    QTest::addColumn<bool>("isOrder");
+    const QDir dir(QStringLiteral(":/catalogue/views"));
+    const QStringList names = dir.entryList({"*.json"}, QDir::Files, QDir::Name);
+    QVERIFY(!names.isEmpty());
+    for (const QString &name : names) {
+        QFile file(dir.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonObject view = QJsonDocument::fromJson(file.readAll()).object();
+        const QJsonArray filters = view.value("filters").toArray();
+        if (filters.isEmpty())
+            continue;
+        QTest::newRow(qPrintable(name + " " + view.value("name").toString()))
+            << qint64(view.value("id").toInt()) << filters
+            << (view.value("properties").toObject().value("IsOrder").toVariant().toString() == "1");
+    }
+}
+
+void tst_FilterCatalogue::bar()
+{
+    QFETCH(qint64, viewId);
+    QFETCH(QJsonArray, filters);
+    QFETCH(bool, isOrder);
+
+    TFSubjectTableWidget widget(nullptr, true);
+    widget.initLayout();
+    widget.resize(1400, 700);
+    widget.reset(viewId);
+    NtResponse response;
+    QVERIFY(TFJSP::parseResponse(
+        QString::fromUtf8(QJsonDocument(post(TFUc::viewConfigRequest(viewId, {}, {}))).toJson()), response));
+    QVERIFY(widget.parseConfig(response.data, true));
+
+    // One control per row that stands for one, in the order of the rows.
+    QStringList expected;
+    QList<QJsonObject> rows;
+    for (const QJsonValue &value : filters) {
+        const QJsonObject row = value.toObject();
+        const QString className = row.value("ClassName").toString();
+        if (buildsNoControl(className))
+            continue;
+        rows.append(row);
+        expected.append(className.contains("CheckComboBox", Qt::CaseInsensitive) ? QStringLiteral("CustomCheckCombobox")
+                                                                                  : className);
+    }
+    const QList<TFBaseFilterWidget *> controls =
+        widget.filterWidget()->findChildren<TFBaseFilterWidget *>(QString(), Qt::FindDirectChildrenOnly);
+    QStringList built;
+    for (TFBaseFilterWidget *control : controls)
+        built.append(control->objectName());
+    QCOMPARE(built, expected);
+
+    // Remote lists fill; then every control that filters reports a value.
+    for (TFBaseFilterWidget *control : controls) {
+        if (auto *check = qobject_cast<TFCheckCombox *>(control); check && check->isRemote())
+            QTRY_VERIFY_WITH_TIMEOUT(check->listWidget()->count() > 1, 10000);
+        if (auto *combo = qobject_cast<TFComboBox *>(control); combo && combo->isRemote())
+            QTRY_VERIFY_WITH_TIMEOUT(combo->comboBox()->count() > 1, 10000);
+    }
+    for (int i = 0; i < controls.size(); ++i) {
+        const QJsonObject &row = rows.at(i);
+        const QString className = row.value("ClassName").toString();
+        const FilterParam::Cntrl cntrl = controls.at(i)->getCntrl();
+        const auto *combo = qobject_cast<TFComboBox *>(controls.at(i));
+        const bool keywords = className.contains("TextEdit", Qt::CaseInsensitive) || className == "KeywordsBox";
+        if (className.startsWith("SimpleButton")
+            || (row.value("FieldName").toString().isEmpty() && !keywords && className != "YearMonthInterval")
+            || (className == "DecimalTextEditInterval" && row.value("DefualtValue").toString() == "0;0")) {
+            // Buttons, sources of other controls' defaults, a range at 0 to 0.
+            QVERIFY2(cntrl.key.isEmpty(), qPrintable(className));
+        } else if (combo && (combo->isUnitList() || combo->isRemote()) && cntrl.key != "PROVINCE") {
+            // A unit list, and a remote list under another key, never filter.
+            QVERIFY2(!cntrl.value.isValid(), qPrintable(className));
+        } else {
+            QVERIFY2(!cntrl.key.isEmpty(), qPrintable(className));
+            QVERIFY2(cntrl.value.isValid(), qPrintable(className));
+        }
+    }
+
+    // The query the bar's button starts goes out with every value and is accepted.
+    if (isOrder)
+        return;     // such a view waits for its child tabs before it asks
+    widget.filterWidget()->slotSimpleButtonGetDataClicked();
+    QTRY_VERIFY_WITH_TIMEOUT(!widget.sentContent().body.isEmpty(), 10000);
+    const QJsonObject body = QJsonDocument::fromJson(widget.sentContent().body).object();
+    const QJsonObject reply = post(widget.sentContent());
+    QVERIFY2(reply.value("state").toInt() == 1,
+             qPrintable(reply.value("msg").toString() + " " + QString::fromUtf8(widget.sentContent().body)));
+    QTRY_VERIFY_WITH_TIMEOUT(widget.timeLabel()->text().startsWith(QStringLiteral("耗时"))
+                                 || widget.timeLabel()->text() == QStringLiteral("无数据!"),
+                             30000);
+    Q_UNUSED(body)
+}
+
+void tst_FilterCatalogue::everyClassNameIsUsed()
+{
+    // Every class a bar can build, and the classes the lists turn on.
+    const QStringList required{"DecimalTextEditInterval", "DateEdit", "SimpleYear", "MultYear", "CheckComboBox",
+                               "ComboBox", "UnitFactorCombobox", "TextEdit", "KeywordsBox", "SimpleButtonGetData",
+                               "SimpleButtonSaveToExcel", "SimpleButtonSort", "DateTimeInterval", "ReportDateSimple",
+                               "ReportDateSimple2", "ReportDateSimple5", "YearMonthInterval", "VirtualCntrl",
+                               "F9SecuIdCntrl", "F9COMIDCntrl", "YearMonthSimple", "GroupFlagControl"};
+    QSet<QString> used;
+    const QDir dir(QStringLiteral(":/catalogue/views"));
+    for (const QString &name : dir.entryList({"*.json"}, QDir::Files, QDir::Name)) {
+        QFile file(dir.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        for (const QJsonValue &row : QJsonDocument::fromJson(file.readAll()).object().value("filters").toArray())
+            used.insert(row.toObject().value("ClassName").toString());
+    }
+    QStringList missing;
+    for (const QString &name : required) {
+        if (!used.contains(name))
+            missing.append(name);
+    }
+    QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ")));
+}
+
+// A user opens the unit list of the quarterly figures and picks another
+// unit with the keyboard; the table shows the new unit in its captions and
+// its numbers in that unit.
+void tst_FilterCatalogue::unitChoiceRescalesTheTable()
+{
+    TFSubjectTableWidget widget(nullptr, true);
+    widget.initLayout();
+    widget.resize(1400, 700);
+    widget.show();
+    widget.reset(264);
+    NtResponse response;
+    QVERIFY(TFJSP::parseResponse(QString::fromUtf8(QJsonDocument(post(TFUc::viewConfigRequest(264, {}, {}))).toJson()),
+                                 response));
+    QVERIFY(widget.parseConfig(response.data, true));
+    QTRY_VERIFY_WITH_TIMEOUT(widget.model() && widget.model()->rowCount() > 0, 30000);
+
+    auto *unitList = widget.filterWidget()->findChild<TFComboBox *>(QStringLiteral("UnitFactorCombobox"));
+    QVERIFY(unitList);
+    QComboBox *box = unitList->comboBox();
+    QCOMPARE(box->currentText(), QStringLiteral("亿元"));
+    const int revenue = widget.header()->leafCaptions().indexOf(QRegularExpression(QStringLiteral("^营业收入.*")));
+    QVERIFY(revenue >= 0);
+    QCOMPARE(widget.header()->leafCaptions().at(revenue), QStringLiteral("营业收入(亿元)"));
+
+    // Open the list, walk up from 亿元 to 万元 and take it.
+    QTest::mouseClick(box, Qt::LeftButton);
+    QTRY_VERIFY(box->view()->isVisible());
+    QTest::keyClick(box->view(), Qt::Key_Up);
+    QTest::keyClick(box->view(), Qt::Key_Up);
+    QTest::keyClick(box->view(), Qt::Key_Return);
+    QTRY_COMPARE(box->currentText(), QStringLiteral("万元"));
+
+    TFSubjectTableModel *model = widget.model();
+    QTRY_COMPARE(model->unitFactor(), 10000);
+    QCOMPARE(widget.header()->leafCaptions().at(revenue), QStringLiteral("营业收入(万元)"));
+    QCOMPARE(model->headerData(revenue, Qt::Horizontal).toString(), QStringLiteral("营业收入(万元)"));
+    for (int row : {0, model->rowCount() - 1}) {
+        const double raw = model->index(row, revenue).data(TFSubjectTableModel::RawValueRole).toDouble();
+        const double shown = model->index(row, revenue).data().toString().remove(',').toDouble();
+        QVERIFY2(qAbs(shown - raw / 10000) <= 0.0051, qPrintable(QString("%1 %2").arg(shown).arg(raw)));
+    }
+}
+
+void tst_FilterCatalogue::screenshot_data()
+{
+    QTest::addColumn<QString>("skin");
+    QTest::newRow("white") << "white";
+    QTest::newRow("black") << "black";
+}
+
+// The bond list with its combo box, check list and report period open,
+// drawn in both skins. Popups are windows of their own and only one is open
+// at a time, so each is opened in turn and drawn over the page where it
+// stood.
+void tst_FilterCatalogue::screenshot()
+{
+    QFETCH(QString, skin);
+    const QString dir = qEnvironmentVariable("FILTERBAR_SCREENSHOT_DIR");
+    if (dir.isEmpty())
+        QSKIP("set FILTERBAR_SCREENSHOT_DIR to a folder to keep pictures of the filter bar");
+    TFCore::instance()->setSkinsRoot(QStringLiteral(SUBJECT_BIN_DIR "/skins"));
+    QVERIFY(TFCore::instance()->setCurrentSkin(skin));
+
+    SkinnedPage page;
+    auto *layout = new QVBoxLayout(&page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *widget = new TFSubjectTableWidget(&page, true);
+    layout->addWidget(widget);
+    TFCore::instance()->addStyle2View(&page, QStringLiteral("subject/subject.css"));
+    widget->initLayout();
+    page.resize(1280, 520);
+    page.show();
+    widget->reset(3110);
+    NtResponse response;
+    QVERIFY(TFJSP::parseResponse(QString::fromUtf8(QJsonDocument(post(TFUc::viewConfigRequest(3110, {}, {}))).toJson()),
+                                 response));
+    QVERIFY(widget->parseConfig(response.data, true));
+    QTRY_VERIFY_WITH_TIMEOUT(widget->model() && widget->model()->rowCount() > 0, 30000);
+    QTest::qWait(300);
+
+    auto *ratings = widget->filterWidget()->findChild<TFCheckCombox *>(QStringLiteral("CustomCheckCombobox"));
+    ratings->slotItemPressed(ratings->listWidget()->item(2));
+    QTest::qWait(100);
+
+    QImage image = page.grab().toImage();
+    QPainter painter(&image);
+    const auto drawPopup = [&](QWidget *popup) {
+        QTRY_VERIFY(popup->isVisible());
+        QTest::qWait(100);
+        painter.drawPixmap(popup->mapToGlobal(QPoint()) - page.mapToGlobal(QPoint()), popup->grab());
+    };
+    QComboBox *period = widget->filterWidget()->findChild<TFReportDateSimple *>()->periodBox();
+    period->showPopup();
+    drawPopup(period->view()->window());
+    period->hidePopup();
+
+    ratings->menu()->popup(ratings->button()->mapToGlobal(QPoint(0, ratings->button()->height())));
+    drawPopup(ratings->menu());
+    ratings->menu()->hide();
+
+    QComboBox *types = widget->filterWidget()->findChild<TFComboBox *>(QStringLiteral("ComboBox"))->comboBox();
+    types->showPopup();
+    drawPopup(types->view()->window());
+    types->hidePopup();
+    painter.end();
+    QVERIFY(image.save(QDir(dir).filePath(QStringLiteral("filter-bar-%1.png").arg(skin))));
+}
+
+QTEST_MAIN(tst_FilterCatalogue)
+#include "tst_filtercatalogue.moc"
