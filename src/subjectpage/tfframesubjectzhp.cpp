@@ -146,6 +146,7 @@ TFFrameSubjectZHP::TFFrameSubjectZHP(QWidget *parent, const QString &list)
 
     connect(m_rightContainer, &QWidget::windowTitleChanged, this, &QWidget::setWindowTitle);
     connect(m_rightContainer, &TFRightContainer::signalDataChanged, this, &TFFrameSubjectZHP::applyCachedVisibility);
+    connect(m_rightContainer, &TFRightContainer::signalDataChanged, this, &TFFrameSubjectZHP::reportMissingView);
 
     TFCore::instance()->addStyle2View(this, QStringLiteral("subject/subject.css"));
 }
@@ -313,6 +314,16 @@ void TFFrameSubjectZHP::applyCachedVisibility()
     mainView->setPageBarVisible(cached.value(QStringLiteral("pageBarVisible")).toBool());
     m_rightContainer->setChildViewsVisible(cached.value(QStringLiteral("subViewVisible")).toBool());
     mainView->setFilterWidgetVisible(cached.value(QStringLiteral("filterVisible")).toBool());
+}
+
+void TFFrameSubjectZHP::reportMissingView()
+{
+    // The service answers a view it does not know with an envelope and no
+    // configuration: the page stays empty, and the log says why.
+    TFBaseView *view = m_rightContainer->mainView()->currentView();
+    if (m_rightContainer->currentView() >= 1 && (!view || view->caption().isEmpty()))
+        qWarning() << "view" << m_rightContainer->currentView()
+                   << "has no configuration on the service (removed, or never there); the component stays empty";
 }
 
 void TFFrameSubjectZHP::bindToGlobalArgument(TFSubjectSetting *setting)

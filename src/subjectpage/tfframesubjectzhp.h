@@ -75,6 +75,7 @@ public slots:
 private:
     void refreshPage();
     void applyCachedVisibility();
+    void reportMissingView();
     void bindToGlobalArgument(TFSubjectSetting *setting);
     void connectSetting(TFSubjectSetting *setting);
 

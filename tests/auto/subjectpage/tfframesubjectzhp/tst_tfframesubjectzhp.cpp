@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -61,6 +62,7 @@ private slots:
     void globalArguments();
     void bindingTheSameKeyAgainDoesNothing();
     void boundComponentsRequestTheNewView();
+    void aViewThatNoLongerExists();
 
 private:
     std::unique_ptr<QWidget> holder(ScreenStub *screen);
@@ -339,6 +341,25 @@ void tst_TFFrameSubjectZHP::boundComponentsRequestTheNewView()
         QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
         QCOMPARE(frame->rightContainer()->mainView()->currentViewId(), 3110);
     }
+    QThreadPool::globalInstance()->waitForDone(30000);
+}
+
+// A saved view that the service no longer has: that component stays empty
+// and says why, its neighbour works.
+void tst_TFFrameSubjectZHP::aViewThatNoLongerExists()
+{
+    ScreenStub screen;
+    auto parent = holder(&screen);
+    auto *gone = new TFFrameSubjectZHP(parent.get());
+    auto *working = new TFFrameSubjectZHP(parent.get());
+    QSignalSpy goneData(gone->rightContainer(), &TFRightContainer::signalDataChanged);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("view 99999 has no configuration on the service"));
+    gone->restore(fullState(99999, "gone"));
+    working->restore(fullState(3110, "ok"));
+    QTRY_COMPARE_WITH_TIMEOUT(goneData.count(), 1, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*working) > 0, 30000);
+    QCOMPARE(rowsShown(*gone), 0);
+    QCOMPARE(gone->objVwId(), qlonglong(99999));
     QThreadPool::globalInstance()->waitForDone(30000);
 }
 
