@@ -3,6 +3,7 @@
 #include "filterwidget/filterparam.h"
 #include "jsonparser/tffilterjsontable.h"
 #include "tfcore/itfskin.h"
+#include "tfjsonobjnode.h"
 
 #include <QDialog>
 #include <QFrame>
@@ -22,19 +23,6 @@ namespace Ui {
 class TFSubjectSetting;
 }
 
-// One row of a navigation tree made by the settings dialog; it rides on its
-// tree item as a TFJsonObjNodePtr.
-struct TFJsonObjNode
-{
-    bool isRoot = false;
-    QString code;
-    QString parentCode;
-    QJsonObject object;
-    TFJsonObjNode *parent = nullptr;
-    QList<TFJsonObjNode *> children;
-};
-using TFJsonObjNodePtr = TFJsonObjNode *;
-Q_DECLARE_METATYPE(TFJsonObjNodePtr)
 
 // The content of a component's settings dialog: a topic root, a leaf view in
 // its navigation tree, the binding of the view to a global argument, filter
