@@ -318,15 +318,17 @@ void tst_TFSubjectSetting::checkBoxes()
 void tst_TFSubjectSetting::dialog_data()
 {
     QTest::addColumn<QString>("choose");       // a view to pick in the tree, or none
+    QTest::addColumn<QString>("bind");         // the global argument chosen for the view, or none
     QTest::addColumn<QString>("button");
     QTest::addColumn<qlonglong>("objVwId");
     QTest::addColumn<bool>("mainViewVisible");
     QTest::addColumn<int>("settingsChanged");
 
-    QTest::newRow("cancel restores the snapshot") << "季度财务指标" << "pbCancel" << 260LL << true << 0;
-    QTest::newRow("close restores the snapshot") << "季度财务指标" << "pbClose" << 260LL << true << 0;
-    QTest::newRow("apply keeps the choice") << "季度财务指标" << "pbOk" << 264LL << false << 1;
-    QTest::newRow("apply without a change tells nobody") << QString() << "pbOk" << 260LL << true << 0;
+    QTest::newRow("cancel restores the snapshot") << "季度财务指标" << "" << "pbCancel" << 260LL << true << 0;
+    QTest::newRow("close restores the snapshot") << "季度财务指标" << "" << "pbClose" << 260LL << true << 0;
+    QTest::newRow("apply keeps the choice") << "季度财务指标" << "" << "pbOk" << 264LL << false << 1;
+    QTest::newRow("apply without a change tells nobody") << QString() << "" << "pbOk" << 260LL << true << 0;
+    QTest::newRow("binding to a global argument") << QString() << "view" << "pbOk" << 3110LL << true << 1;
 }
 
 // The dialog driven as a user would: it opens on the frame's view, a view
@@ -334,6 +336,7 @@ void tst_TFSubjectSetting::dialog_data()
 void tst_TFSubjectSetting::dialog()
 {
     QFETCH(QString, choose);
+    QFETCH(QString, bind);
     QFETCH(QString, button);
     QFETCH(qlonglong, objVwId);
     QFETCH(bool, mainViewVisible);
@@ -346,6 +349,8 @@ void tst_TFSubjectSetting::dialog()
     ini.close();
 
     ScreenStub screen;
+    screen.setArgs({{"view", "债券一览|3110"}});
+    screen.answer = bind;
     QWidget parent;
     parent.setProperty("zhpObj", QVariant::fromValue<QObject *>(&screen));
     parent.resize(1000, 700);
@@ -379,6 +384,11 @@ void tst_TFSubjectSetting::dialog()
             // Each choice takes effect at once.
             if (frame->objVwId() != 264 || frame->rightContainer()->isMainViewVisible())
                 failure = "a choice did not take effect at once";
+        }
+        if (failure.isEmpty() && !bind.isEmpty()) {
+            QTest::mouseClick(setting->findChild<QPushButton *>("pbBindGl"), Qt::LeftButton);
+            if (frame->binderKey() != bind || frame->objVwId() != 3110)
+                failure = "the binding did not take effect at once";
         }
         QTest::mouseClick(setting->findChild<QPushButton *>(failure.isEmpty() ? button : "pbCancel"), Qt::LeftButton);
     });
