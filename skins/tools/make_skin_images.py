@@ -378,6 +378,7 @@ def draw_skin(name, p):
     write_png(os.path.join(subject, "branch_closed.png"), chevron([(6, 4), (10, 8), (6, 12)], p["muted"], width=1.4))
     write_png(os.path.join(subject, "branch_open.png"), chevron([(4, 6), (8, 10), (12, 6)], p["muted"], width=1.4))
     write_png(os.path.join(subject, "arrow_down.png"), chevron([(5, 7), (8, 10), (11, 7)], p["text"], width=1.4))
+    write_png(os.path.join(subject, "arrow_up.png"), chevron([(5, 9), (8, 6), (11, 9)], p["text"], width=1.4))
     write_png(os.path.join(subject, "fold_up.png"), chevron([(4, 10), (8, 6), (12, 10)], p["text"], width=1.5))
     write_png(os.path.join(subject, "fold_down.png"), chevron([(4, 6), (8, 10), (12, 6)], p["text"], width=1.5))
     write_png(os.path.join(subject, "close.png"), close_icon(p["muted"]))

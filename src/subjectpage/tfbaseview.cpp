@@ -1,65 +1,11 @@
 #include "tfbaseview.h"
 
+#include "filterwidget/tffilterfactory.h"
+
 #include <QDateTime>
 #include <QDebug>
 
 namespace {
-
-// The service's word for an operator of the configuration.
-QString serviceOperator(const QString &op)
-{
-    static const QMap<QString, QString> table = {
-        {QStringLiteral(">="), QStringLiteral(">=")}, {QStringLiteral(">"), QStringLiteral(">")},
-        {QStringLiteral("<"), QStringLiteral("<")},   {QStringLiteral("<="), QStringLiteral("<=")},
-        {QStringLiteral("="), QStringLiteral("==")},  {QStringLiteral("<>"), QStringLiteral("!=")},
-        {QStringLiteral("LIKE"), QStringLiteral("like")}, {QStringLiteral("IN"), QStringLiteral("in")},
-        {QStringLiteral("NotIn"), QStringLiteral("nin")}, {QStringLiteral("and"), QStringLiteral("&&")},
-        {QStringLiteral("or"), QStringLiteral("||")},
-    };
-    return table.value(op, QStringLiteral("=="));
-}
-
-// The link text of a child view, "A.FIELD1=数据源.FIELD2;...": which field of
-// the selected row feeds which filter field of the child.
-class ChildLinks
-{
-public:
-    ChildLinks(const QString &text, const RowData &row)
-    {
-        const QStringList pairs = text.split(QLatin1Char(';'));
-        for (const QString &pair : pairs) {
-            const QStringList pieces = pair.split(QLatin1Char('='), Qt::SkipEmptyParts);
-            if (pieces.size() != 2)
-                continue;
-            bool known = false;
-            for (const TFTableModelData::tagCellValue &cell : row)
-                known = known || cell.fieldName == pieces.at(0);
-            const QString source = known ? pieces.at(0) : behindDot(pieces.at(0));
-            const QString target = behindDot(pieces.at(1));
-            if (source.isEmpty() || target.isEmpty())
-                continue;
-            m_links.append({target, source});
-        }
-    }
-
-    QString target(const QString &field) const
-    {
-        for (const auto &link : m_links) {
-            if (link.first == field)
-                return link.second;
-        }
-        return QString();
-    }
-
-private:
-    static QString behindDot(const QString &piece)
-    {
-        const int dot = piece.indexOf(QLatin1Char('.'));
-        return dot < 0 ? piece : piece.mid(dot + 1);
-    }
-
-    QList<QPair<QString, QString>> m_links; // child field, row field
-};
 
 const TFTableModelData::tagCellValue *cellNamed(const RowData &row, const QString &fieldName)
 {
@@ -114,7 +60,8 @@ QTime TFBaseView::startTime()
 void TFBaseView::setChildFilters(const QList<FilterParam::Cntrl> &controls, const RowData &row,
                                  const QString &linkText)
 {
-    const ChildLinks links(linkText, row);
+    TFFilterFactory links;
+    links.parse(linkText, row);
     const QList<TFTableModelData::FilterData> rows = filterList();
     m_params.clear();
     m_filters.clear();
@@ -149,7 +96,7 @@ void TFBaseView::setChildFilters(const QList<FilterParam::Cntrl> &controls, cons
                 }
                 control.value = value;
             }
-            control.op = serviceOperator(filter.Operator);
+            control.op = FilterParam::serviceOperator(filter.Operator);
             control.dataSourceFilter = filter.ClassName != QLatin1String("LabelControl")
                                        && filter.ParameterCategory == QLatin1String("1");
             if (control.dataSourceFilter)

@@ -23,6 +23,9 @@ struct NtResponse;
 class TFSubjectMainFrame : public QFrame
 {
     Q_OBJECT
+    // The F9 arguments, for filter bars below that find the frame by its
+    // class name.
+    Q_PROPERTY(QVariantMap f9Args READ f9Args)
 public:
     explicit TFSubjectMainFrame(QWidget *parent = nullptr);
     ~TFSubjectMainFrame() override;

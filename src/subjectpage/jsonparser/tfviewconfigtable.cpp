@@ -1,5 +1,7 @@
 #include "tfviewconfigtable.h"
 
+#include "filterwidget/tffilterfactory.h"
+
 #include "tfchartviewjsontable.h"
 #include "tfchildviewjsontable.h"
 #include "tffilterjsontable.h"
@@ -180,21 +182,8 @@ QPair<QString, QVariant> TFViewConfigTable::orderProperty() const
     for (const Entry& entry : m_entries) {
         if (entry.prop_name.toLower() != QLatin1String("order"))
             continue;
-        if (entry.prop_val.isEmpty())
-            break;
-
-        // "FIELD_A desc,FIELD_B asc": a term counts only as a field and a
-        // direction; anything but DESC sorts ascending.
-        QJsonObject order;
-        const QStringList terms = entry.prop_val.split(QLatin1Char(','), Qt::SkipEmptyParts);
-        for (const QString& term : terms) {
-            const QStringList parts = term.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-            if (parts.size() != 2)
-                continue;
-            const bool descending = parts.at(1).compare(QLatin1String("DESC"), Qt::CaseInsensitive) == 0;
-            order.insert(parts.at(0), descending ? -1 : 1);
-        }
-        return qMakePair(QStringLiteral("order"), QVariant::fromValue(order));
+        const FilterParam::DataSourceFilter order = TFFilterFactory::orderFilter(entry.prop_val);
+        return qMakePair(order.key, order.value);
     }
     return qMakePair(QString(), QVariant());
 }

@@ -1,0 +1,6 @@
+#include "filterwidget/tfsubwidgetexpanddata.h"
+
+TFSubWidgetExpandData::TFSubWidgetExpandData(QWidget *parent)
+    : QWidget(parent)
+{
+}
