@@ -63,6 +63,8 @@ private slots:
     void bindingTheSameKeyAgainDoesNothing();
     void boundComponentsRequestTheNewView();
     void aViewThatNoLongerExists();
+    void globalArgumentReplacesTheControlValue_data();
+    void globalArgumentReplacesTheControlValue();
 
 private:
     std::unique_ptr<QWidget> holder(ScreenStub *screen);
@@ -360,6 +362,41 @@ void tst_TFFrameSubjectZHP::aViewThatNoLongerExists()
     QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*working) > 0, 30000);
     QCOMPARE(rowsShown(*gone), 0);
     QCOMPARE(gone->objVwId(), qlonglong(99999));
+    QThreadPool::globalInstance()->waitForDone(30000);
+}
+
+void tst_TFFrameSubjectZHP::globalArgumentReplacesTheControlValue_data()
+{
+    QTest::addColumn<QVariantMap>("filterMap");
+    QTest::addColumn<QString>("code");
+    QTest::newRow("the screen's argument") << QVariantMap() << QString("601");
+    QTest::newRow("the component's own beats it") << QVariantMap{{"SECU_CODE", "600"}} << QString("600");
+}
+
+// A global argument named like a control of the view replaces what the
+// control holds (its default "6000") in the rows request, and the service
+// answers with the rows of that value.
+void tst_TFFrameSubjectZHP::globalArgumentReplacesTheControlValue()
+{
+    QFETCH(QVariantMap, filterMap);
+    QFETCH(QString, code);
+    ScreenStub screen;
+    screen.setArgs({{"SECU_CODE", "601"}});
+    auto parent = holder(&screen);
+    auto *frame = new TFFrameSubjectZHP(parent.get());
+    QVariantMap state = fullState(266, "个股纵览");
+    state.insert("filterMap", filterMap);
+    frame->restore(state);
+    QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
+    const QJsonObject body = sentBody(*frame);
+    QCOMPARE(body.value("obj_vw_id").toInt(), 266);
+    QVERIFY2(body.value("filter").toString().contains("(SECU_CODE like :SECU_CODE_0)"),
+             QJsonDocument(body).toJson().constData());
+    QCOMPARE(body.value("filterParams").toObject().value("SECU_CODE_0").toString(), code);
+    const QList<QVariantMap> rows = frame->rightContainer()->mainView()->allRows();
+    QVERIFY(!rows.isEmpty() && rows.first().contains("SECU_CODE"));
+    for (const QVariantMap &row : rows)
+        QVERIFY2(row.value("SECU_CODE").toString().contains(code), qPrintable(row.value("SECU_CODE").toString()));
     QThreadPool::globalInstance()->waitForDone(30000);
 }
 
