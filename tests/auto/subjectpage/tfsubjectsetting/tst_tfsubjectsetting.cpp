@@ -320,15 +320,18 @@ void tst_TFSubjectSetting::dialog_data()
     QTest::addColumn<QString>("choose");       // a view to pick in the tree, or none
     QTest::addColumn<QString>("bind");         // the global argument chosen for the view, or none
     QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("opens");           // how often the dialog is opened and closed so
     QTest::addColumn<qlonglong>("objVwId");
     QTest::addColumn<bool>("mainViewVisible");
     QTest::addColumn<int>("settingsChanged");
 
-    QTest::newRow("cancel restores the snapshot") << "季度财务指标" << "" << "pbCancel" << 260LL << true << 0;
-    QTest::newRow("close restores the snapshot") << "季度财务指标" << "" << "pbClose" << 260LL << true << 0;
-    QTest::newRow("apply keeps the choice") << "季度财务指标" << "" << "pbOk" << 264LL << false << 1;
-    QTest::newRow("apply without a change tells nobody") << QString() << "" << "pbOk" << 260LL << true << 0;
-    QTest::newRow("binding to a global argument") << QString() << "view" << "pbOk" << 3110LL << true << 1;
+    QTest::newRow("cancel restores the snapshot") << "季度财务指标" << "" << "pbCancel" << 1 << 260LL << true << 0;
+    QTest::newRow("close restores the snapshot") << "季度财务指标" << "" << "pbClose" << 1 << 260LL << true << 0;
+    QTest::newRow("apply keeps the choice") << "季度财务指标" << "" << "pbOk" << 1 << 264LL << false << 1;
+    // The first apply takes the values of the dialog's bar as the
+    // component's own arguments; the second changes nothing.
+    QTest::newRow("apply without a change tells nobody") << QString() << "" << "pbOk" << 2 << 260LL << true << 1;
+    QTest::newRow("binding to a global argument") << QString() << "view" << "pbOk" << 1 << 3110LL << true << 1;
 }
 
 // The dialog driven as a user would: it opens on the frame's view, a view
@@ -338,6 +341,7 @@ void tst_TFSubjectSetting::dialog()
     QFETCH(QString, choose);
     QFETCH(QString, bind);
     QFETCH(QString, button);
+    QFETCH(int, opens);
     QFETCH(qlonglong, objVwId);
     QFETCH(bool, mainViewVisible);
     QFETCH(int, settingsChanged);
@@ -349,7 +353,7 @@ void tst_TFSubjectSetting::dialog()
     ini.close();
 
     ScreenStub screen;
-    screen.setArgs({{"view", "债券一览|3110"}});
+    screen.setArgs({{"view", "债券一览|3110"}, {"PROVINCE", "北京"}});
     screen.answer = bind;
     QWidget parent;
     parent.setProperty("zhpObj", QVariant::fromValue<QObject *>(&screen));
@@ -366,7 +370,7 @@ void tst_TFSubjectSetting::dialog()
     QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
 
     QString failure = "the dialog did not open";
-    QTimer::singleShot(0, this, [&] {
+    const std::function<void()> driver = [&] {
         QWidget *dialog = nullptr;
         QTest::qWaitFor([&] { return (dialog = QApplication::activeModalWidget()) != nullptr; }, 10000);
         auto *setting = dialog ? dialog->findChild<TFSubjectSetting *>() : nullptr;
@@ -377,6 +381,15 @@ void tst_TFSubjectSetting::dialog()
         QTest::qWaitFor([&] { return tree->currentItem() != nullptr; }, 30000);
         const QString tip = setting->findChild<QLabel *>("lbUserSelectedTip")->text();
         failure = tip == QStringLiteral("沪深A股行情|260") ? QString() : "the frame's view is not chosen: " + tip;
+        // The page reloads and its filter rows reach the dialog's bar, the
+        // screen's arguments as their defaults.
+        auto *bar = setting->findChild<TFFilterWidget *>("fmFilter");
+        QTest::qWaitFor([&] { return !bar->filterData().isEmpty(); }, 30000);
+        bool province = false;
+        for (const TFTableModelData::FilterData &row : bar->filterData())
+            province = province || (row.FieldName == "PROVINCE" && row.DefualtValue == QStringLiteral("北京"));
+        if (failure.isEmpty() && !province)
+            failure = "the dialog's bar does not take the screen's argument as its default";
         if (failure.isEmpty() && !choose.isEmpty()) {
             tree->setCurrentItem(itemCalled(tree, choose));
             auto *hide = setting->findChild<QCheckBox *>("cbHideMainView");
@@ -391,9 +404,16 @@ void tst_TFSubjectSetting::dialog()
                 failure = "the binding did not take effect at once";
         }
         QTest::mouseClick(setting->findChild<QPushButton *>(failure.isEmpty() ? button : "pbCancel"), Qt::LeftButton);
-    });
-    const bool accepted = frame->slotOpenSettings();
+    };
+    QTimer::singleShot(0, this, driver);
+    bool accepted = frame->slotOpenSettings();
     QVERIFY2(failure.isEmpty(), qPrintable(failure));
+    for (int again = 1; again < opens; ++again) {
+        failure = "the dialog did not open";
+        QTimer::singleShot(0, this, driver);
+        accepted = frame->slotOpenSettings();
+        QVERIFY2(failure.isEmpty(), qPrintable(failure));
+    }
     QCOMPARE(accepted, button == "pbOk");
     QCOMPARE(frame->objVwId(), objVwId);
     QCOMPARE(frame->rightContainer()->isMainViewVisible(), mainViewVisible);
