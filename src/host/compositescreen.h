@@ -1,12 +1,16 @@
 #pragma once
 
+#include <QFrame>
 #include <QJsonObject>
+#include <QMap>
 #include <QVariantMap>
 #include <QWidget>
 
 #include <functional>
 
+class QHBoxLayout;
 class QLabel;
+class QLineEdit;
 class QSplitter;
 
 // The object that components of a composite screen reach through their
@@ -42,12 +46,45 @@ private:
     ArgumentChooser m_chooser;
 };
 
+// The bar above a screen's components: each global argument by name with its
+// value in an editor. A value confirmed there (Enter, or leaving the field)
+// becomes the argument's new value for every component; "name=value" in the
+// last field adds an argument.
+class ScreenArgumentBar : public QFrame
+{
+    Q_OBJECT
+public:
+    explicit ScreenArgumentBar(ScreenObject *screen, QWidget *parent = nullptr);
+
+    QLineEdit *editorOf(const QString &name) const { return m_editors.value(name); }
+    QLineEdit *newArgumentEditor() const { return m_newArgument; }
+    QStringList names() const { return m_editors.keys(); }
+
+signals:
+    // The user changed or added the argument name.
+    void signalArgumentEdited(const QString &name);
+
+private:
+    void showArguments(const QVariantMap &args);
+    void commit(const QString &name);
+    void addArgument();
+
+    ScreenObject *m_screen;
+    QHBoxLayout *m_layout;
+    QLabel *m_caption;
+    QMap<QString, QLineEdit *> m_editors;
+    QList<QWidget *> m_argumentWidgets;
+    QLineEdit *m_newArgument;
+};
+
 // A screen of components built by class name through the host's factory,
 // one above the other, sharing one ScreenObject. Its document is JSON:
 //   {"title": "...", "args": {...},
 //    "components": [{"class": "TFFrameSubjectZHP", "state": {...}}, ...]}
 // The components' saved state goes back into the file when one of them
-// reports a change of settings.
+// reports a change of settings, and so do the arguments when the user edits
+// them. A component whose class no plug-in registered leaves a note in its
+// place and in the log; the others work.
 class CompositeScreen : public QWidget
 {
     Q_OBJECT
@@ -55,7 +92,7 @@ public:
     explicit CompositeScreen(QWidget *parent = nullptr);
 
     // False with error set when the file cannot be read, is no screen
-    // document, or names a component that no plug-in registered.
+    // document, or names no component that a plug-in registered.
     bool load(const QString &fileName, QString *error);
     bool loadDocument(const QJsonObject &document, QString *error);
     bool save(QString *error) const;
@@ -66,18 +103,23 @@ public:
 
     QString title() const { return m_title; }
     ScreenObject *screenObject() const { return m_screen; }
+    // One widget per entry of the document; a note stands for an unknown class.
     QList<QWidget *> components() const { return m_components; }
+    ScreenArgumentBar *argumentBar() const { return m_argumentBar; }
     QJsonObject document() const;
 
 private:
-    void showArguments();
+    void saveAfterChange();
 
     ScreenObject *m_screen;
     QSplitter *m_splitter;
-    QLabel *m_argumentLine;
+    ScreenArgumentBar *m_argumentBar;
     QString m_fileName;
     QString m_title;
     QList<QWidget *> m_components;
     QList<QByteArray> m_classNames;
+    // The entries of components that could not be made, kept as they were
+    // so that saving loses nothing.
+    QMap<int, QJsonObject> m_unmade;
     Failure m_failure = NoFailure;
 };

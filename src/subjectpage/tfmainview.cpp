@@ -109,6 +109,18 @@ void TFMainView::setPageBarVisible(bool visible)
         table->setPageBarVisible(visible);
 }
 
+bool TFMainView::isFilterWidgetVisible(bool fallback) const
+{
+    TFSubjectTableWidget *table = currentTable();
+    return table ? table->isFilterBarVisible() : fallback;
+}
+
+bool TFMainView::isPageBarVisible(bool fallback) const
+{
+    TFSubjectTableWidget *table = currentTable();
+    return table ? table->isPageBarVisible() : fallback;
+}
+
 void TFMainView::setRequestName(const QString &name)
 {
     if (TFBaseView *view = currentView())

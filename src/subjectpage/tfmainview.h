@@ -34,6 +34,9 @@ public:
     void setViewId(qint64 viewId);
     void setFilterWidgetVisible(bool visible);
     void setPageBarVisible(bool visible);
+    // The settings of a table on top; without a table, fallback.
+    bool isFilterWidgetVisible(bool fallback) const;
+    bool isPageBarVisible(bool fallback) const;
     void setRequestName(const QString &name);
     void startLoading();
     void finished();

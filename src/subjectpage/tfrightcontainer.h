@@ -28,6 +28,7 @@ public:
     ~TFRightContainer() override;
 
     void setMainViewVisible(bool visible);
+    bool isMainViewVisible() const { return m_mainViewVisible; }
     void setChildViewsVisible(bool visible);
     bool childViewsVisible() const { return m_childViewsVisible; }
     qint64 currentView() const { return m_currentView; }

@@ -1,5 +1,6 @@
 #include "tfsubjectpageplugin.h"
 
+#include "tfframesubjectzhp.h"
 #include "tfsubjectpage.h"
 
 #include <QMetaType>
@@ -35,6 +36,8 @@ bool TFSubjectPagePlugin::initialize(const QStringList &arguments, QString *erro
         &TFSubjectPage::staticMetaObject);
     registration->setProperty("metaId", metaId);
     addAutoReleasedObject(registration);
+    // The component form of the page, for the host's composite screens.
+    TFFrameSubjectZHP::registerComponents();
     return true;
 }
 

@@ -7,6 +7,8 @@
 #include <QFrame>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -57,6 +59,8 @@ private slots:
     void settingsChangedSavesTheStates();
     void badDocuments_data();
     void badDocuments();
+    void unknownClassLeavesANoteAndIsKept();
+    void argumentBarSetsAndAddsArguments();
 
 private:
     QString writeScreen(const QString &name, const QByteArray &json);
@@ -166,8 +170,8 @@ void tst_CompositeScreen::badDocuments_data()
     QTest::newRow("no components") << QByteArray("{}") << int(CompositeScreen::BadDocument) << "components";
     QTest::newRow("empty components") << QByteArray(R"({"components": []})") << int(CompositeScreen::BadDocument) << "components";
     QTest::newRow("component without class") << QByteArray(R"({"components": [{}]})") << int(CompositeScreen::BadDocument) << "class";
-    QTest::newRow("unknown class") << QByteArray(R"({"components": [{"class": "NoteComponent"}, {"class": "TFNoSuch"}]})")
-                                   << int(CompositeScreen::UnknownComponent) << "TFNoSuch";
+    QTest::newRow("only unknown classes") << QByteArray(R"({"components": [{"class": "TFNoSuch"}, {"class": "TFNoOther"}]})")
+                                          << int(CompositeScreen::UnknownComponent) << "TFNoSuch\", \"TFNoOther";
 }
 
 void tst_CompositeScreen::badDocuments()
@@ -186,6 +190,72 @@ void tst_CompositeScreen::badDocuments()
     CompositeScreen missing;
     QVERIFY(!missing.load(m_dir.filePath("absent.json"), &error));
     QCOMPARE(missing.failure(), CompositeScreen::BadDocument);
+}
+
+// One unknown class among known ones: a note stands in its place, the
+// others work, and saving keeps the entry as it was.
+void tst_CompositeScreen::unknownClassLeavesANoteAndIsKept()
+{
+    const QString file = writeScreen("mixed.json", R"({"args": {"k": "v"}, "components": [
+        {"class": "TFNoSuch", "state": {"keep": "me"}}, {"class": "NoteComponent", "state": {"note": "n"}}]})");
+    CompositeScreen screen;
+    QString error;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("no component \"TFNoSuch\" is registered.*other components go on"));
+    QVERIFY2(screen.load(file, &error), qPrintable(error));
+    QCOMPARE(screen.failure(), CompositeScreen::NoFailure);
+    QCOMPARE(screen.components().size(), 2);
+    auto *note = qobject_cast<QLabel *>(screen.components().at(0));
+    QVERIFY(note && note->text().contains("TFNoSuch"));
+    auto *working = qobject_cast<NoteComponent *>(screen.components().at(1));
+    QVERIFY(working);
+    QCOMPARE(working->note, QString("n"));
+    screen.screenObject()->setArg("k", "w");
+    QCOMPARE(working->seenArgs.size(), 1);
+
+    QVERIFY(QMetaObject::invokeMethod(screen.screenObject(), "settingsChanged"));
+    QFile saved(file);
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    const QJsonArray components = QJsonDocument::fromJson(saved.readAll()).object().value("components").toArray();
+    QCOMPARE(components.size(), 2);
+    QCOMPARE(components.at(0).toObject(), QJsonDocument::fromJson(R"({"class": "TFNoSuch", "state": {"keep": "me"}})").object());
+    QCOMPARE(components.at(1).toObject().value("state").toObject().value("note").toString(), QString("n"));
+}
+
+// The bar edits a global argument, adds one, and the document keeps both.
+void tst_CompositeScreen::argumentBarSetsAndAddsArguments()
+{
+    const QString file = writeScreen("bar.json", R"({"args": {"objVwId": "a|1"}, "components": [{"class": "NoteComponent"}]})");
+    CompositeScreen screen;
+    QString error;
+    QVERIFY2(screen.load(file, &error), qPrintable(error));
+    ScreenArgumentBar *bar = screen.argumentBar();
+    QLineEdit *editor = bar->editorOf("objVwId");
+    QVERIFY(editor);
+    QCOMPARE(editor->text(), QString("a|1"));
+    auto *component = qobject_cast<NoteComponent *>(screen.components().at(0));
+
+    editor->setText(QString::fromUtf8("债券一览|3110"));
+    emit editor->editingFinished();
+    QCOMPARE(component->seenArgs.size(), 1);
+    QCOMPARE(component->seenArgs.last().value("objVwId").toString(), QString::fromUtf8("债券一览|3110"));
+    emit editor->editingFinished();   // unchanged: no second change
+    QCOMPARE(component->seenArgs.size(), 1);
+
+    bar->newArgumentEditor()->setText("IND_NAME=%银行%");
+    emit bar->newArgumentEditor()->returnPressed();
+    QCOMPARE(component->seenArgs.size(), 2);
+    QCOMPARE(bar->names(), QStringList({"IND_NAME", "objVwId"}));
+    QVERIFY(bar->newArgumentEditor()->text().isEmpty());
+    bar->newArgumentEditor()->setText("no equals sign");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("name=value"));
+    emit bar->newArgumentEditor()->returnPressed();
+    QCOMPARE(component->seenArgs.size(), 2);
+
+    QFile saved(file);
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    const QJsonObject args = QJsonDocument::fromJson(saved.readAll()).object().value("args").toObject();
+    QCOMPARE(args.value("IND_NAME").toString(), QString::fromUtf8("%银行%"));
+    QCOMPARE(args.value("objVwId").toString(), QString::fromUtf8("债券一览|3110"));
 }
 
 QTEST_MAIN(tst_CompositeScreen)

@@ -2,6 +2,7 @@
 #include "filterwidget/tffilterwidget.h"
 #include "jsonparser/tffilterjsontable.h"
 #include "tfbaseview.h"
+#include "tfframesubjectzhp.h"
 #include "tfsubjectmainframe.h"
 
 #include "expression/tfcustommath.h"
@@ -13,14 +14,15 @@
 #include <QLineEdit>
 #include <QtTest>
 
-// A composite-screen frame as the bar finds it: by its class name, holding
-// the screen's global arguments.
-class TFFrameSubjectZHP : public QWidget
+// A composite screen's object as a frame reads it: the global arguments.
+class ScreenArgs : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QVariantMap glFilterArgs MEMBER glFilterArgs)
+    Q_PROPERTY(QVariantMap args MEMBER args)
 public:
-    QVariantMap glFilterArgs;
+    QVariantMap args;
+signals:
+    void argsChanged(const QVariantMap &args);
 };
 
 namespace {
@@ -253,10 +255,14 @@ void tst_TFFilterWidget::globalAndF9Arguments()
 
     TFSubjectMainFrame mainFrame;
     mainFrame.setF9Args(f9);
-    TFFrameSubjectZHP screenFrame;
-    screenFrame.setParent(&mainFrame);
-    screenFrame.glFilterArgs = global;
-    auto *bar = new TFFilterWidget(new QWidget(&screenFrame));
+    // The bar finds the composite-screen frame by its class name and reads
+    // its glFilterArgs, which hold the screen's arguments.
+    ScreenArgs screen;
+    screen.args = global;
+    auto *holder = new QWidget(&mainFrame);
+    holder->setProperty("zhpObj", QVariant::fromValue<QObject *>(&screen));
+    auto *screenFrame = new TFFrameSubjectZHP(holder);
+    auto *bar = new TFFilterWidget(new QWidget(screenFrame));
     TFTableModelData::FilterData row;
     row.ClassName = className;
     row.FieldName = QStringLiteral("SECU_ID");

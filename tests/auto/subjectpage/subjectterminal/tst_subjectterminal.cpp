@@ -1,5 +1,6 @@
 #include "httptestserver.h"
 
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -21,6 +22,7 @@ class tst_SubjectTerminal : public QObject
     Q_OBJECT
 private slots:
     void stockPageOverTheWire();
+    void screenOfTwoBoundComponents();
 };
 
 void tst_SubjectTerminal::stockPageOverTheWire()
@@ -99,6 +101,59 @@ void tst_SubjectTerminal::stockPageOverTheWire()
     for (const RecordedRequest &request : server.requests())
         constants = constants || objIdOf(request) == 390;
     QVERIFY(constants);
+}
+
+// A composite screen of two components bound to one global argument, with
+// the embedded service: both open the argument's view, the screen settles
+// and its picture is written.
+void tst_SubjectTerminal::screenOfTwoBoundComponents()
+{
+    const QString terminal = QStringLiteral(SUBJECT_BIN_DIR "/subject-terminal");
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString screenFile = dir.filePath(QStringLiteral("desk.json"));
+    QFile screen(screenFile);
+    QVERIFY(screen.open(QIODevice::WriteOnly));
+    const QByteArray state = R"j({"version": "1.0.0", "titleVisible": true, "filterVisible": true,
+        "mainViewVisible": true, "subViewVisible": false, "pageBarVisible": true, "objVwIdBinder": "objVwId"})j";
+    screen.write(R"j({"title": "债券", "args": {"objVwId": "债券一览|3110"}, "components": [
+        {"class": "TFFrameSubjectZHP", "state": )j" + state + R"j(},
+        {"class": "TFFrameSubjectZHP_ZZ", "state": )j" + state + R"j(},
+        {"class": "TFNoSuchComponent"}]})j");
+    screen.close();
+    const QByteArray before = [&] { QFile f(screenFile); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+
+    const QString picture = dir.filePath(QStringLiteral("screen.png"));
+    const QString log = dir.filePath(QStringLiteral("screen.log"));
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), dir.filePath(QStringLiteral("cache")));
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(terminal, {QStringLiteral("--screen"), screenFile, QStringLiteral("--size"), QStringLiteral("1200x800"),
+                             QStringLiteral("--log"), log, QStringLiteral("--screenshot"), picture});
+    QVERIFY2(process.waitForStarted(30000), qPrintable(process.errorString()));
+    const bool finished = process.waitForFinished(180000);
+    const QByteArray output = process.readAll();
+    if (!finished)
+        process.kill();
+    QVERIFY2(finished, output.right(4000).constData());
+    QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, output.right(4000).constData());
+    QVERIFY2(output.contains("no component \"TFNoSuchComponent\""), output.right(4000).constData());
+    const QImage image(picture);
+    QCOMPARE(image.size(), QSize(1200, 800));
+
+    QFile logFile(log);
+    QVERIFY(logFile.open(QIODevice::ReadOnly));
+    const QByteArray lines = logFile.readAll();
+    // Each component asked for the bound view, and each table got its rows.
+    QCOMPARE(lines.count("TFFrameSubjectZHP::slotsArgsChanged: \"objVwId\" = \"债券一览|3110\""), 2);
+    QVERIFY(lines.count("refresh right container: 3110") >= 2);
+    QVERIFY(!lines.contains("get subject config failed"));
+    // Nothing changed, so the document is as it was.
+    QFile after(screenFile);
+    QVERIFY(after.open(QIODevice::ReadOnly));
+    QCOMPARE(after.readAll(), before);
 }
 
 QTEST_GUILESS_MAIN(tst_SubjectTerminal)
