@@ -63,6 +63,11 @@ void tst_CommandLine::options_data()
     QTest::newRow("settle-ms 0") << QStringList{"--screenshot", "a.png", "--settle-ms", "0"} << "settleMs" << "0";
     QTest::newRow("screen") << QStringList{"--screen", "zhp.json"} << "screenFile" << "zhp.json";
     QTest::newRow("plugins") << QStringList{"--plugins", "/opt/p"} << "pluginDirectory" << "/opt/p";
+    QTest::newRow("verbose") << QStringList{"--verbose"} << "verbose" << "true";
+    QTest::newRow("a window needs a display") << QStringList{"--skin", "black"} << "withoutDisplay" << "false";
+    QTest::newRow("a picture needs none") << QStringList{"--screenshot", "a.png"} << "withoutDisplay" << "true";
+    QTest::newRow("Qt's options passed over") << QStringList{"-platform", "offscreen", "--style=fusion", "-reverse", "--skin", "black"}
+                                              << "skin" << "black";
     QTest::newRow("last of two wins") << QStringList{"--skin", "black", "--skin", "white"} << "skin" << "white";
 }
 
@@ -87,6 +92,8 @@ void tst_CommandLine::options()
         {"settleMs", QString::number(o.settleMs)},
         {"screenFile", o.screenFile},
         {"pluginDirectory", o.pluginDirectory},
+        {"verbose", o.verbose ? "true" : "false"},
+        {"withoutDisplay", o.worksWithoutDisplay ? "true" : "false"},
     };
     QVERIFY(actual.contains(field));
     QCOMPARE(actual.value(field), expected);
