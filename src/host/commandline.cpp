@@ -3,6 +3,8 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace {
 
 struct Parser
@@ -16,7 +18,7 @@ struct Parser
         parser.addPositionalArgument(QStringLiteral("page-url"),
                                      QStringLiteral("A view: URL to open; default the plug-in's Url metadata."),
                                      QStringLiteral("[page-url]"));
-        parser.addOptions({
+        options = {
             {QStringLiteral("service"), QStringLiteral("Base address of the data service."), QStringLiteral("URL")},
             {QStringLiteral("token"), QStringLiteral("Access token sent as kvt-token (default empty)."), QStringLiteral("TEXT")},
             {QStringLiteral("user"), QStringLiteral("User identifier (default \"demo\")."), QStringLiteral("TEXT")},
@@ -32,13 +34,103 @@ struct Parser
                                                       "no table or FILE cannot be written."), QStringLiteral("FILE.xlsx")},
             {QStringLiteral("screen"), QStringLiteral("Open a composite screen: components by factory class name\nsharing global arguments; see README."), QStringLiteral("FILE.json")},
             {QStringLiteral("plugins"), QStringLiteral("Folder of plug-ins (default plugins/ beside the binary)."), QStringLiteral("DIR")},
-        });
+            {QStringLiteral("verbose"), QStringLiteral("Show debug lines on the console too (the log file always has them).")},
+        };
+        parser.addOptions(options);
         helpOption = parser.addHelpOption();
+        versionOption = parser.addVersionOption();
+        options << helpOption << versionOption;
     }
 
     QCommandLineParser parser;
+    QList<QCommandLineOption> options;
     QCommandLineOption helpOption{QStringLiteral("help")};
+    QCommandLineOption versionOption{QStringLiteral("version")};
 };
+
+// Options under which the terminal draws only into files, so that it can run
+// without a display.
+const QStringList displayLessOptions = {QStringLiteral("screenshot"), QStringLiteral("export")};
+
+// Qt's own options, which the application object takes for itself: those
+// that take a value, and plain switches. Either may be written with one or
+// two dashes, a value behind a space or a "=".
+const QStringList qtOptionsWithValue = {
+    QStringLiteral("platform"), QStringLiteral("platformpluginpath"), QStringLiteral("platformtheme"),
+    QStringLiteral("plugin"), QStringLiteral("qwindowgeometry"), QStringLiteral("qwindowtitle"),
+    QStringLiteral("qwindowicon"), QStringLiteral("display"), QStringLiteral("geometry"),
+    QStringLiteral("style"), QStringLiteral("stylesheet"), QStringLiteral("session")};
+const QStringList qtSwitches = {
+    QStringLiteral("reverse"), QStringLiteral("widgetcount"), QStringLiteral("nograb"),
+    QStringLiteral("dograb"), QStringLiteral("sync")};
+
+// The name of a Qt option in argument, or an empty text; *inlineValue tells
+// whether it carries its value behind a "=".
+QString qtOptionName(const QString &argument, bool *inlineValue)
+{
+    if (!argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("--"))
+        return QString();
+    QString name = argument.mid(argument.startsWith(QLatin1String("--")) ? 2 : 1);
+    const int equals = name.indexOf(QLatin1Char('='));
+    *inlineValue = equals >= 0;
+    if (equals >= 0)
+        name.truncate(equals);
+    if (qtOptionsWithValue.contains(name) || (!*inlineValue && qtSwitches.contains(name)))
+        return name;
+    return QString();
+}
+
+QStringList withoutQtOptions(const QStringList &arguments)
+{
+    QStringList kept;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (argument == QLatin1String("--")) {
+            kept += arguments.mid(i);
+            break;
+        }
+        bool inlineValue = false;
+        const QString name = i > 0 ? qtOptionName(argument, &inlineValue) : QString();
+        if (name.isEmpty()) {
+            kept.append(argument);
+            continue;
+        }
+        if (!inlineValue && qtOptionsWithValue.contains(name))
+            ++i; // its value
+    }
+    return kept;
+}
+
+// The help text of the parser, written here: QCommandLineParser's own
+// needs an application object, and help must work without a display.
+QString formatHelp(const QString &program, const QCommandLineParser &parser,
+                   const QList<QCommandLineOption> &options)
+{
+    QString text = QStringLiteral("Usage: %1 [options] [page-url]\n%2\n\nOptions:\n")
+            .arg(program, parser.applicationDescription());
+    QStringList names;
+    int width = 0;
+    for (const QCommandLineOption &option : options) {
+        QStringList dashed;
+        for (const QString &name : option.names())
+            dashed.append((name.size() == 1 ? QLatin1String("-") : QLatin1String("--")) + name);
+        QString left = dashed.join(QLatin1String(", "));
+        if (!option.valueName().isEmpty())
+            left += QLatin1String(" <") + option.valueName() + QLatin1Char('>');
+        names.append(left);
+        width = qMax(width, left.size());
+    }
+    for (int i = 0; i < options.size(); ++i) {
+        const QStringList lines = options.at(i).description().split(QLatin1Char('\n'));
+        for (int line = 0; line < lines.size(); ++line) {
+            const QString left = line == 0 ? names.at(i) : QString();
+            text += QLatin1String("  ") + left.leftJustified(width) + QLatin1String("  ") + lines.at(line)
+                    + QLatin1Char('\n');
+        }
+    }
+    text += QStringLiteral("\nArguments:\n  page-url  A view: URL to open; default the plug-in's Url metadata.\n");
+    return text;
+}
 
 CommandLine::Result failure(const QString &message)
 {
@@ -63,26 +155,63 @@ bool readInt(const QString &text, int minimum, int maximum, int *value)
 QString CommandLine::helpText()
 {
     Parser p;
-    QString text = p.parser.helpText();
+    QString text = formatHelp(QStringLiteral("subject-terminal"), p.parser, p.options);
     text += QStringLiteral("\nExit status: 0 done, 2 bad arguments, 3 a plug-in or its page did not load,\n"
                            "4 the page did not settle in time for --screenshot or --export; 1 the\n"
-                           "page had no table or the workbook could not be written for --export.\n");
+                           "page had no table or the workbook could not be written for --export.\n"
+                           "The window needs a display; without one, run under xvfb-run -a, or give\n"
+                           "--screenshot FILE.png or --export FILE.xlsx to work without a window.\n");
     return text;
+}
+
+QString CommandLine::versionText()
+{
+    return QStringLiteral("subject-terminal %1\n").arg(QStringLiteral(SUBJECT_VERSION));
+}
+
+QStringList CommandLine::arguments(int argc, char **argv)
+{
+    QStringList list;
+    for (int i = 0; i < argc; ++i)
+        list.append(QString::fromLocal8Bit(argv[i]));
+    return list;
+}
+
+bool CommandLine::platformNeedsDisplay(const QStringList &arguments)
+{
+    QString platform = QString::fromLocal8Bit(qgetenv("QT_QPA_PLATFORM"));
+    for (int i = 1; i < arguments.size(); ++i) {
+        bool inlineValue = false;
+        if (qtOptionName(arguments.at(i), &inlineValue) != QLatin1String("platform"))
+            continue;
+        if (inlineValue)
+            platform = arguments.at(i).section(QLatin1Char('='), 1);
+        else if (i + 1 < arguments.size())
+            platform = arguments.at(i + 1);
+    }
+    // "xcb:option=value", "wayland-egl", ...
+    const QString name = platform.section(QLatin1Char(':'), 0, 0).trimmed();
+    return name.isEmpty() || name.startsWith(QLatin1String("xcb")) || name.startsWith(QLatin1String("wayland"));
+}
+
+bool CommandLine::hasDisplay()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
 CommandLine::Result CommandLine::parse(const QStringList &arguments)
 {
     Parser p;
     QCommandLineParser &parser = p.parser;
-    if (!parser.parse(arguments))
+    if (!parser.parse(withoutQtOptions(arguments)))
         return failure(parser.errorText());
 
-    if (parser.isSet(p.helpOption)) {
-        Result help;
-        help.outcome = ShowHelp;
-        help.message = helpText();
-        help.exitCode = 0;
-        return help;
+    if (parser.isSet(p.helpOption) || parser.isSet(p.versionOption)) {
+        Result shown;
+        shown.outcome = parser.isSet(p.helpOption) ? ShowHelp : ShowVersion;
+        shown.message = shown.outcome == ShowHelp ? helpText() : versionText();
+        shown.exitCode = 0;
+        return shown;
     }
 
     Result result;
@@ -178,6 +307,11 @@ CommandLine::Result CommandLine::parse(const QStringList &arguments)
         if (options.pluginDirectory.isEmpty())
             return failure(QStringLiteral("--plugins needs a folder"));
     }
+
+    options.verbose = parser.isSet(QStringLiteral("verbose"));
+    const QStringList given = parser.optionNames();
+    options.worksWithoutDisplay = std::any_of(displayLessOptions.cbegin(), displayLessOptions.cend(),
+                                              [&given](const QString &name) { return given.contains(name); });
 
     return result;
 }

@@ -12,6 +12,7 @@ namespace {
 
 QMutex logMutex;
 QFile *logFile = nullptr;
+bool verboseConsole = false;
 QtMessageHandler previousHandler = nullptr;
 
 const char *levelName(QtMsgType type)
@@ -28,15 +29,22 @@ const char *levelName(QtMsgType type)
 
 void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    const QByteArray line = LogFile::formatLine(type, context, message).toUtf8() + '\n';
+    bool toConsole = type != QtDebugMsg && type != QtInfoMsg;
+    QByteArray line;
     {
         QMutexLocker locker(&logMutex);
+        toConsole = toConsole || verboseConsole;
+        // A debug line that goes nowhere is not even formatted: the tree
+        // logs one per node, and a large tree has many.
+        if (!toConsole && !logFile)
+            return;
+        line = LogFile::formatLine(type, context, message).toUtf8() + '\n';
         if (logFile) {
             logFile->write(line);
             logFile->flush();
         }
     }
-    if (type != QtDebugMsg && type != QtInfoMsg) {
+    if (toConsole) {
         std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
         std::fflush(stderr);
     }
@@ -58,19 +66,23 @@ QString LogFile::formatLine(QtMsgType type, const QMessageLogContext &context, c
                  message);
 }
 
-bool LogFile::install(const QString &fileName, QString *error)
+bool LogFile::install(const QString &fileName, bool verbose, QString *error)
 {
-    auto *file = new QFile(fileName);
-    if (!file->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
-        if (error)
-            *error = QStringLiteral("cannot open log file \"%1\": %2").arg(fileName, file->errorString());
-        delete file;
-        return false;
+    QFile *file = nullptr;
+    if (!fileName.isEmpty()) {
+        file = new QFile(fileName);
+        if (!file->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
+            if (error)
+                *error = QStringLiteral("cannot open log file \"%1\": %2").arg(fileName, file->errorString());
+            delete file;
+            return false;
+        }
     }
     {
         QMutexLocker locker(&logMutex);
         delete logFile;
         logFile = file;
+        verboseConsole = verbose;
     }
     QtMessageHandler old = qInstallMessageHandler(writeLine);
     if (old != writeLine)

@@ -2,11 +2,13 @@
 
 #include <QString>
 
-// Sends every log line of the process, with file, line and function, to a
-// file; warnings and worse still reach standard error.
+// The terminal's message handler. Every log line of the process, with file,
+// line and function, goes to the log file when there is one; warnings and
+// worse always reach standard error, debug and info lines only when verbose.
 namespace LogFile {
 
-bool install(const QString &fileName, QString *error);
+// fileName may be empty: no log file.
+bool install(const QString &fileName, bool verbose, QString *error);
 void uninstall();
 
 // The form of one line; exposed for the tests.

@@ -46,14 +46,11 @@ void configureIdentity(const TerminalOptions &options)
 
 int main(int argc, char *argv[])
 {
-    // The web engine shares its OpenGL context with the widgets'.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("subject"));
-    QCoreApplication::setApplicationName(QStringLiteral("subject-terminal"));
-
-    const CommandLine::Result parsed = CommandLine::parse(QCoreApplication::arguments());
-    if (parsed.outcome == CommandLine::ShowHelp) {
+    // The command line is read before any application object exists, so that
+    // help, version and bad arguments need no display.
+    const QStringList arguments = CommandLine::arguments(argc, argv);
+    const CommandLine::Result parsed = CommandLine::parse(arguments);
+    if (parsed.outcome == CommandLine::ShowHelp || parsed.outcome == CommandLine::ShowVersion) {
         QTextStream(stdout) << parsed.message;
         return Done;
     }
@@ -61,11 +58,25 @@ int main(int argc, char *argv[])
         return complain(parsed.message + QStringLiteral("\nTry 'subject-terminal --help'."), BadArguments);
     const TerminalOptions &options = parsed.options;
 
-    if (!options.logFile.isEmpty()) {
-        QString error;
-        if (!LogFile::install(options.logFile, &error))
-            return complain(error, BadArguments);
+    if (CommandLine::platformNeedsDisplay(arguments) && !CommandLine::hasDisplay()) {
+        if (!options.worksWithoutDisplay)
+            return complain(QStringLiteral("there is no display to show the window on (DISPLAY is not set).\n"
+                                           "Run it under a virtual one: xvfb-run -a subject-terminal ...,\n"
+                                           "or save a picture only: --screenshot FILE.png"),
+                            BadArguments);
+        // Pictures and files need no display.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+
+    QString logError;
+    if (!LogFile::install(options.logFile, options.verbose, &logError))
+        return complain(logError, BadArguments);
+
+    // The web engine shares its OpenGL context with the widgets'.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("subject"));
+    QCoreApplication::setApplicationName(QStringLiteral("subject-terminal"));
 
     configureIdentity(options);
     const QString binDir = QCoreApplication::applicationDirPath();

@@ -1,6 +1,7 @@
 #include "tfsubjectpage.h"
 
 #include "tfmenucfg.h"
+#include "tfpageurl.h"
 #include "tfqsscommon.h"
 #include "tfmainview.h"
 #include "tfrightcontainer.h"
@@ -15,7 +16,6 @@
 #include <QPainter>
 #include <QStackedWidget>
 #include <QStyleOption>
-#include <QUrlQuery>
 
 TFSubjectPage::TFSubjectPage(QWidget *parent)
     : QWidget(parent)
@@ -74,39 +74,26 @@ void TFSubjectPage::applySkinStyle(const QVariant &style)
 
 bool TFSubjectPage::parseUrl(const QUrl &url)
 {
-    if (url.scheme().compare(QLatin1String("view"), Qt::CaseInsensitive) != 0
-        || !url.host(QUrl::FullyDecoded).contains(QLatin1String("subjectpage"), Qt::CaseInsensitive)) {
+    TFPageUrl values;
+    if (!TFPageUrl::read(url, &values)) {
         qWarning() << "url is unrecognizable";
         return false;
     }
 
-    // Lower-casing the whole query makes its keys case-insensitive; the
-    // values, the title included, are lowered with them.
-    const QUrlQuery query(url.query().toLower());
-    const auto value = [&query](const char *key) {
-        return query.queryItemValue(QLatin1String(key), QUrl::FullyDecoded);
-    };
-
-    m_mainFrame->setNodeCode(value("nodecode"));
-    const QString objVwId = value("objvwid");
-    m_mainFrame->setObjVwId(objVwId);
-
-    bool isNumber = false;
-    int pNodeCode = value("pnodecode").toInt(&isNumber, 10);
-    if (!isNumber)
-        pNodeCode = 0;
-    m_mainFrame->setPNodeCode(pNodeCode != 0 ? pNodeCode : TFMenuCfg::instance()->topicOfView(objVwId));
+    m_mainFrame->setNodeCode(values.nodeCode);
+    m_mainFrame->setObjVwId(values.objVwId);
+    m_mainFrame->setPNodeCode(values.pNodeCode != 0 ? values.pNodeCode
+                                                    : TFMenuCfg::instance()->topicOfView(values.objVwId));
 
     // The caption falls back to the topic named by the URL's own code, not
     // the one found by the view.
-    const QString title = value("title");
-    m_mainFrame->setCaption(title.isEmpty() ? TFMenuCfg::instance()->topicName(pNodeCode) : title);
+    m_mainFrame->setCaption(values.title.isEmpty() ? TFMenuCfg::instance()->topicName(values.pNodeCode)
+                                                   : values.title);
 
-    announceTitleAndIcon(title);
+    announceTitleAndIcon(values.title);
 
     QMap<QString, QVariant> args;
-    const auto items = query.queryItems(QUrl::FullyDecoded);
-    for (const auto &item : items) {
+    for (const auto &item : qAsConst(values.items)) {
         qDebug() << "setProperty:" << item;
         args.insert(item.first, item.second);
         setProperty(item.first.toLocal8Bit().constData(), item.second);

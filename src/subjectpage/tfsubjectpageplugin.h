@@ -1,5 +1,6 @@
 #pragma once
 
+#include "expression/scriptwatchdog.h"
 #include "tfcore/iplugin.h"
 
 // The plug-in's entry: registers the page type with the host, which then
@@ -12,4 +13,9 @@ class TFSubjectPagePlugin : public IPlugin
 public:
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
+
+private:
+    // The thread that interrupts runaway formulas lives as long as the
+    // plug-in, and is joined before the library can be unloaded.
+    ScriptWatchdog::Hold m_watchdogThread;
 };

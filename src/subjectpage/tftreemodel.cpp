@@ -2,7 +2,10 @@
 
 #include <QAbstractProxyModel>
 #include <QDebug>
+#include <QHash>
 #include <QJsonArray>
+#include <QPair>
+#include <QVector>
 
 namespace {
 
@@ -10,15 +13,6 @@ qlonglong readInteger(const QJsonObject &row, const char *key)
 {
     // A code sent as a string ("12") reads as the number.
     return row.value(QLatin1String(key)).toVariant().toLongLong();
-}
-
-bool isAncestorOrSelf(const QStandardItem *candidate, const QStandardItem *item)
-{
-    for (const QStandardItem *walk = item; walk; walk = walk->parent()) {
-        if (walk == candidate)
-            return true;
-    }
-    return false;
 }
 
 } // namespace
@@ -91,25 +85,77 @@ bool TFSubjectTreeModel::build(const QJsonValue &rows, int rootCode, bool checka
     work.prepend(m_root);
 
     // Attach after every node exists, so that a child listed before its
-    // parent still finds it; the first node with the code wins.
+    // parent still finds it. A node's parent is the first other node in the
+    // list with its parent code: the first node with that code, or the
+    // second when the first is the node itself. Two per code are enough.
+    QHash<qlonglong, QPair<TFTreeItem *, TFTreeItem *>> byCode;
+    byCode.reserve(work.size());
+    for (TFTreeItem *node : qAsConst(work)) {
+        auto found = byCode.find(node->code());
+        if (found == byCode.end())
+            byCode.insert(node->code(), qMakePair(node, static_cast<TFTreeItem *>(nullptr)));
+        else if (!found->second)
+            found->second = node;
+    }
+    QHash<TFTreeItem *, TFTreeItem *> parentOf;
+    parentOf.reserve(work.size());
     for (TFTreeItem *node : qAsConst(work)) {
         if (node == m_root)
             continue; // the root hangs under nothing
-        const qlonglong parentCode = node->parentCode();
-        for (TFTreeItem *candidate : qAsConst(work)) {
-            if (candidate == node || candidate->code() != parentCode)
-                continue;
-            if (!isAncestorOrSelf(node, candidate)) // rows that name each other as parent
-                candidate->appendRow(node);
-            break;
-        }
+        const auto found = byCode.constFind(node->parentCode());
+        if (found == byCode.constEnd())
+            continue;
+        TFTreeItem *parent = found->first != node ? found->first : found->second;
+        if (parent)
+            parentOf.insert(node, parent);
     }
-    // Rows whose parent never came are not reachable; free them (and what hangs under them).
+
+    // Only nodes whose chain of parents ends at the root are shown: rows
+    // whose parent never came, and rows that name each other as parent, are
+    // not. Each chain is walked once; what it learns is kept.
+    enum Reach { Unknown, Walking, Reaches, Lost };
+    QHash<TFTreeItem *, Reach> reach;
+    reach.reserve(work.size());
+    reach.insert(m_root, Reaches);
+    QVector<TFTreeItem *> chain;
+    for (TFTreeItem *node : qAsConst(work)) {
+        chain.clear();
+        TFTreeItem *walk = node;
+        Reach found = Unknown;
+        for (;;) {
+            const Reach known = reach.value(walk, Unknown);
+            if (known == Reaches || known == Lost) {
+                found = known;
+                break;
+            }
+            if (known == Walking) { // a ring of rows
+                found = Lost;
+                break;
+            }
+            reach.insert(walk, Walking);
+            chain.append(walk);
+            TFTreeItem *parent = parentOf.value(walk, nullptr);
+            if (!parent) {
+                found = Lost;
+                break;
+            }
+            walk = parent;
+        }
+        for (TFTreeItem *walked : qAsConst(chain))
+            reach.insert(walked, found);
+    }
+
+    // Children in array order.
     QList<TFTreeItem *> orphans;
     for (TFTreeItem *node : qAsConst(work)) {
-        if (node != m_root && !node->parent())
+        if (node == m_root)
+            continue;
+        if (reach.value(node) == Reaches)
+            parentOf.value(node)->appendRow(node);
+        else
             orphans.append(node);
     }
+    // Rows that are not shown are freed.
     qDeleteAll(orphans);
     endResetModel();
     clearChecks();

@@ -2,6 +2,8 @@
 
 #include <QJSEngine>
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
@@ -9,29 +11,68 @@
 #include <vector>
 
 namespace {
+
 std::atomic<long long> g_limitMs{2000};
+
+// The processor time a thread has used so far; false when its clock cannot
+// be read (a thread that has ended).
+bool cpuTime(clockid_t clock, std::chrono::nanoseconds *time)
+{
+    timespec spec{};
+    if (clock_gettime(clock, &spec) != 0)
+        return false;
+    *time = std::chrono::seconds(spec.tv_sec) + std::chrono::nanoseconds(spec.tv_nsec);
+    return true;
 }
 
+} // namespace
+
 // Wakes a few times a second while anything is watched, and sleeps on a
-// condition while nothing is.
+// condition while nothing is. Started by the first hold, stopped and joined
+// by the last.
 class ScriptWatchdogThread
 {
 public:
-    static ScriptWatchdogThread &instance()
+    static ScriptWatchdogThread &instance();
+
+    void acquire()
     {
-        // Never destroyed: the thread outlives every static of the process.
-        static ScriptWatchdogThread *thread = new ScriptWatchdogThread;
-        return *thread;
+        std::lock_guard<std::mutex> lifecycle(m_lifecycle);
+        if (m_holds++ > 0)
+            return;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_stopping = false;
+            m_running = true;
+        }
+        m_thread = std::thread([this] { run(); });
+    }
+
+    void release()
+    {
+        std::lock_guard<std::mutex> lifecycle(m_lifecycle);
+        if (--m_holds > 0)
+            return;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_stopping = true;
+        }
+        m_wake.notify_one();
+        m_thread.join();
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_running = false;
+    }
+
+    bool isRunning()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_running;
     }
 
     void add(ScriptWatchdog *watchdog)
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_watched.push_back(watchdog);
-        if (!m_started) {
-            m_started = true;
-            std::thread([this] { run(); }).detach();
-        }
         m_wake.notify_one();
     }
 
@@ -45,21 +86,54 @@ private:
     void run()
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        for (;;) {
-            m_wake.wait(lock, [this] { return !m_watched.empty(); });
-            m_wake.wait_for(lock, std::chrono::milliseconds(50));
-            const auto now = std::chrono::steady_clock::now();
+        while (!m_stopping) {
+            if (m_watched.empty()) {
+                m_wake.wait(lock, [this] { return m_stopping || !m_watched.empty(); });
+                continue;
+            }
+            if (m_wake.wait_for(lock, std::chrono::milliseconds(50), [this] { return m_stopping; }))
+                break;
             const std::chrono::milliseconds limit(g_limitMs.load());
             for (ScriptWatchdog *watchdog : m_watched)
-                watchdog->interruptIfOverdue(now, limit);
+                watchdog->interruptIfOverdue(limit);
         }
     }
 
-    std::mutex m_mutex;
+    std::mutex m_lifecycle;     // start and stop, join included
+    int m_holds = 0;
+    std::thread m_thread;
+
+    std::mutex m_mutex;         // what the thread reads
     std::condition_variable m_wake;
     std::vector<ScriptWatchdog *> m_watched;
-    bool m_started = false;
+    bool m_stopping = false;
+    bool m_running = false;
 };
+
+// Outlives every static of the library: a hold that goes in a static
+// destructor still finds it. It owns no running thread once the last hold has
+// gone. Defined out of line, so that the library keeps no unique symbol for
+// it, which would stop the loader from unloading the library.
+ScriptWatchdogThread &ScriptWatchdogThread::instance()
+{
+    static ScriptWatchdogThread *thread = new ScriptWatchdogThread;
+    return *thread;
+}
+
+ScriptWatchdog::Hold::Hold()
+{
+    ScriptWatchdogThread::instance().acquire();
+}
+
+ScriptWatchdog::Hold::~Hold()
+{
+    ScriptWatchdogThread::instance().release();
+}
+
+bool ScriptWatchdog::isThreadRunning()
+{
+    return ScriptWatchdogThread::instance().isRunning();
+}
 
 ScriptWatchdog::ScriptWatchdog(QJSEngine *engine)
     : m_engine(engine)
@@ -74,9 +148,13 @@ ScriptWatchdog::~ScriptWatchdog()
 
 void ScriptWatchdog::begin()
 {
+    clockid_t clock = 0;
+    std::chrono::nanoseconds started{0};
+    const bool readable = pthread_getcpuclockid(pthread_self(), &clock) == 0 && cpuTime(clock, &started);
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_running = true;
-    m_started = std::chrono::steady_clock::now();
+    m_running = readable;
+    m_clock = clock;
+    m_started = started;
 }
 
 // The interrupt flag is cleared under the same lock that sets it, so an
@@ -89,11 +167,13 @@ void ScriptWatchdog::end()
         m_engine->setInterrupted(false);
 }
 
-void ScriptWatchdog::interruptIfOverdue(std::chrono::steady_clock::time_point now,
-                                        std::chrono::milliseconds limit)
+void ScriptWatchdog::interruptIfOverdue(std::chrono::milliseconds limit)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_running && now - m_started >= limit)
+    if (!m_running)
+        return;
+    std::chrono::nanoseconds now{0};
+    if (cpuTime(m_clock, &now) && now - m_started >= limit)
         m_engine->setInterrupted(true);
 }
 

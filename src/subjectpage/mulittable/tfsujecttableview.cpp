@@ -539,8 +539,21 @@ QString TFSujectTableView::substituteLink(const QString &link, const QMap<QStrin
         names.append(placeholder.cap(1));
         pos += qMax(1, placeholder.matchedLength());
     }
-    for (const QString &name : qAsConst(names))
-        query.replace(QStringLiteral("${%1}").arg(name), values.value(name).toString());
+    // Name by name, every occurrence; a value that holds a placeholder is
+    // filled in turn by a later name. Values that name each other would make
+    // the text grow without end, so filling stops before the query would pass
+    // a length that no link needs.
+    constexpr int MaxQueryLength = 65536;
+    for (const QString &name : qAsConst(names)) {
+        const QString placeholder = QStringLiteral("${%1}").arg(name);
+        const QString value = values.value(name).toString();
+        const qint64 grown = query.size() + qint64(query.count(placeholder)) * (value.size() - placeholder.size());
+        if (grown > MaxQueryLength) {
+            qWarning() << "link query would pass" << MaxQueryLength << "characters; filled no further";
+            break;
+        }
+        query.replace(placeholder, value);
+    }
     url.setQuery(query);
     qDebug() << "linkActivated:" << url;
     return url.toString();

@@ -65,6 +65,12 @@ void tst_CommandLine::options_data()
     QTest::newRow("export") << QStringList{"--export", "out.XLSX"} << "exportFile" << "out.XLSX";
     QTest::newRow("export settle-ms") << QStringList{"--export", "a.xlsx", "--settle-ms", "7"} << "settleMs" << "7";
     QTest::newRow("plugins") << QStringList{"--plugins", "/opt/p"} << "pluginDirectory" << "/opt/p";
+    QTest::newRow("verbose") << QStringList{"--verbose"} << "verbose" << "true";
+    QTest::newRow("a window needs a display") << QStringList{"--skin", "black"} << "withoutDisplay" << "false";
+    QTest::newRow("a picture needs none") << QStringList{"--screenshot", "a.png"} << "withoutDisplay" << "true";
+    QTest::newRow("an export needs none") << QStringList{"--export", "a.xlsx"} << "withoutDisplay" << "true";
+    QTest::newRow("Qt's options passed over") << QStringList{"-platform", "offscreen", "--style=fusion", "-reverse", "--skin", "black"}
+                                              << "skin" << "black";
     QTest::newRow("last of two wins") << QStringList{"--skin", "black", "--skin", "white"} << "skin" << "white";
 }
 
@@ -90,6 +96,8 @@ void tst_CommandLine::options()
         {"screenFile", o.screenFile},
         {"pluginDirectory", o.pluginDirectory},
         {"exportFile", o.exportFile},
+        {"verbose", o.verbose ? "true" : "false"},
+        {"withoutDisplay", o.worksWithoutDisplay ? "true" : "false"},
     };
     QVERIFY(actual.contains(field));
     QCOMPARE(actual.value(field), expected);

@@ -107,6 +107,8 @@ class tst_Terminal : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
+    void withoutDisplay_data();
+    void withoutDisplay();
     void screenshotOfASettledPage_data();
     void screenshotOfASettledPage();
     void failures_data();
@@ -121,17 +123,23 @@ private:
         QByteArray out;
         QByteArray err;
     };
-    Run run(const QStringList &arguments, int timeoutMs, const QString &cacheHome = QString());
+    Run run(const QStringList &arguments, int timeoutMs, const QString &cacheHome = QString(),
+            bool withDisplay = true);
 
     QString m_terminal;
     QTemporaryDir m_dir;
 };
 
-tst_Terminal::Run tst_Terminal::run(const QStringList &arguments, int timeoutMs, const QString &cacheHome)
+tst_Terminal::Run tst_Terminal::run(const QStringList &arguments, int timeoutMs, const QString &cacheHome,
+                                    bool withDisplay)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));   // the web engine needs the X display
+    if (!withDisplay) {
+        environment.remove(QStringLiteral("DISPLAY"));
+        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    }
     if (!cacheHome.isEmpty())
         environment.insert(QStringLiteral("XDG_CACHE_HOME"), cacheHome);
     process.setProcessEnvironment(environment);
@@ -163,11 +171,44 @@ void tst_Terminal::initTestCase()
     QVERIFY(m_dir.isValid());
 }
 
+// A new user on a machine without a display: help, version and bad
+// arguments work, and the window asks for one.
+void tst_Terminal::withoutDisplay_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QByteArray>("out");
+    QTest::addColumn<QByteArray>("err");
+    QTest::newRow("help") << QStringList{"--help"} << 0 << QByteArray("--screenshot <FILE.png>") << QByteArray();
+    QTest::newRow("help among Qt's options") << QStringList{"-style", "fusion", "--help"} << 0
+                                             << QByteArray("--verbose") << QByteArray();
+    QTest::newRow("version") << QStringList{"--version"} << 0 << QByteArray("subject-terminal 1.0.0\n")
+                             << QByteArray();
+    QTest::newRow("unknown option") << QStringList{"--no-such-option"} << 2 << QByteArray()
+                                    << QByteArray("Unknown option 'no-such-option'");
+    QTest::newRow("bad value") << QStringList{"--size", "9x9"} << 2 << QByteArray() << QByteArray("--size");
+    QTest::newRow("a window needs a display") << QStringList{"--skin", "black"} << 2 << QByteArray()
+                                              << QByteArray("xvfb-run");
+}
+
+void tst_Terminal::withoutDisplay()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QByteArray, out);
+    QFETCH(QByteArray, err);
+    const Run result = run(arguments, 30000, QString(), false);
+    QCOMPARE(result.exitCode, exitCode);
+    QVERIFY2(result.out.contains(out), result.out.constData());
+    QVERIFY2(result.err.contains(err), result.err.constData());
+}
+
 void tst_Terminal::screenshotOfASettledPage_data()
 {
     QTest::addColumn<QString>("skin");
-    QTest::newRow("white") << "white";
-    QTest::newRow("black") << "black";
+    QTest::addColumn<bool>("verbose");
+    QTest::newRow("white") << "white" << false;
+    QTest::newRow("black, verbose") << "black" << true;
 }
 
 // The real plug-in, the terminal's identity passed on to every request, and
@@ -175,16 +216,21 @@ void tst_Terminal::screenshotOfASettledPage_data()
 void tst_Terminal::screenshotOfASettledPage()
 {
     QFETCH(QString, skin);
+    QFETCH(bool, verbose);
     EnvelopeServer server;
     QVERIFY(server.listen());
     const QString picture = m_dir.filePath("page-" + skin + ".png");
     const QString log = m_dir.filePath("terminal-" + skin + ".log");
-    const Run result = run({"--service", server.baseUrl(), "--token", "tkn-9", "--user", "u42", "--product", "p7",
-                            "--skin", skin, "--size", "900x600", "--screenshot", picture, "--settle-ms", "800",
-                            "--log", log},
-                           120000);
+    QStringList arguments{"--service", server.baseUrl(), "--token", "tkn-9", "--user", "u42", "--product", "p7",
+                          "--skin", skin, "--size", "900x600", "--screenshot", picture, "--settle-ms", "800",
+                          "--log", log};
+    if (verbose)
+        arguments << "--verbose";
+    const Run result = run(arguments, 120000);
     QVERIFY2(result.exitCode == 0, result.err.constData());
     QVERIFY2(result.out.contains(picture.toUtf8()), result.out.constData());
+    // Debug lines reach the console only when asked for; the log has them anyway.
+    QCOMPARE(result.err.contains("[debug]"), verbose);
 
     QImage image(picture);
     QVERIFY(!image.isNull());

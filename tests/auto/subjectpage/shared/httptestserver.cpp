@@ -107,6 +107,10 @@ private:
         const CannedReply reply = m_owner->answer(request);
         if (reply.hold)
             return;
+        if (reply.close) {
+            socket->disconnectFromHost();
+            return;
+        }
         QByteArray out = "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reply.reason + "\r\n";
         bool hasType = false;
         for (const auto &header : reply.headers) {
@@ -116,7 +120,7 @@ private:
         if (!hasType)
             out += "Content-Type: application/json\r\n";
         out += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n";
-        out += reply.body;
+        out += reply.cutAfter >= 0 ? reply.body.left(reply.cutAfter) : reply.body;
         socket->write(out);
         socket->disconnectFromHost();
     }

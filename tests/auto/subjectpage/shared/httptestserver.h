@@ -34,6 +34,8 @@ struct CannedReply
     QList<QPair<QByteArray, QByteArray>> headers;
     QByteArray body;
     bool hold = false;      // never answer; the connection stays open
+    bool close = false;     // close the connection without a word
+    int cutAfter = -1;      // send only this many bytes of the body, then close
 };
 
 // A small HTTP/1.1 server on 127.0.0.1 with a port of its own, running on

@@ -145,6 +145,8 @@ private slots:
     void statusLineSumsSortValues();
     void substituteLink_data();
     void substituteLink();
+    void substituteLinkWithPlaceholdersInValues_data();
+    void substituteLinkWithPlaceholdersInValues();
     void editorLinkActivated_data();
     void editorLinkActivated();
     void nullLinkArgs();
@@ -491,6 +493,34 @@ void tst_TFSujectTableView::substituteLink()
     QFETCH(QString, expected);
     const QMap<QString, QVariant> values{{"SECU_ID", 1001}, {"NAME", "abc"}};
     QCOMPARE(TFSujectTableView::substituteLink(link, values), expected);
+}
+
+void tst_TFSujectTableView::substituteLinkWithPlaceholdersInValues_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("a");
+    QTest::addColumn<QString>("b");
+    QTest::addColumn<QString>("expected");   // empty: only bounded (percent-encoded, so up to 3 characters each)
+
+    QTest::newRow("a value is filled by a later name") << "view:?a=${A}&b=${B}" << "${B}" << "2"
+                                                    << "view:?a=2&b=2";
+    QTest::newRow("values naming each other stay bounded") << "view:?q=" + QString("${A}${B}").repeated(16)
+                                                         << "${B}${B}" << "${A}${A}" << QString();
+}
+
+void tst_TFSujectTableView::substituteLinkWithPlaceholdersInValues()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, a);
+    QFETCH(QString, b);
+    QFETCH(QString, expected);
+    if (expected.isEmpty())
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("link query would pass"));
+    const QString filled = TFSujectTableView::substituteLink(link, {{"A", a}, {"B", b}});
+    if (expected.isEmpty())
+        QVERIFY2(filled.size() <= 4 * 65536 && filled.startsWith("view:?q="), qPrintable(QString::number(filled.size())));
+    else
+        QCOMPARE(filled, expected);
 }
 
 void tst_TFSujectTableView::editorLinkActivated_data()

@@ -75,6 +75,12 @@ void tst_TFSubjectTreeModel::build_data()
     QTest::newRow("rows naming each other as parent")
         << QByteArray("[{\"NODE_CODE\":3,\"P_NODE_CODE\":4,\"NODE_CAP\":\"a\"},{\"NODE_CODE\":4,\"P_NODE_CODE\":3,\"NODE_CAP\":\"b\"},{\"NODE_CODE\":5,\"P_NODE_CODE\":2,\"NODE_CAP\":\"c\"}]")
         << 2 << false << true << "c";
+    QTest::newRow("own code as parent: under the next row with that code")
+        << QByteArray("[{\"NODE_CODE\":3,\"P_NODE_CODE\":2,\"NODE_CAP\":\"first\"},{\"NODE_CODE\":3,\"P_NODE_CODE\":3,\"NODE_CAP\":\"second\"},{\"NODE_CODE\":7,\"P_NODE_CODE\":7,\"NODE_CAP\":\"alone\"}]")
+        << 2 << false << true << "first(second)";
+    QTest::newRow("rows under a ring left out")
+        << QByteArray("[{\"NODE_CODE\":5,\"P_NODE_CODE\":3,\"NODE_CAP\":\"tail\"},{\"NODE_CODE\":3,\"P_NODE_CODE\":4,\"NODE_CAP\":\"a\"},{\"NODE_CODE\":4,\"P_NODE_CODE\":3,\"NODE_CAP\":\"b\"},{\"NODE_CODE\":6,\"P_NODE_CODE\":2,\"NODE_CAP\":\"c\"},{\"NODE_CODE\":8,\"P_NODE_CODE\":6,\"NODE_CAP\":\"d\"}]")
+        << 2 << false << true << "c(d)";
     QTest::newRow("block tree ignores the root code passed in")
         << QByteArray("[{\"SECT_ID\":11,\"P_SECT_ID\":0,\"SECT_NAME\":\"银行\"},{\"SECT_ID\":12,\"P_SECT_ID\":11,\"SECT_NAME\":\"国有\"},{\"SECT_ID\":13,\"P_SECT_ID\":2,\"SECT_NAME\":\"under two\"}]")
         << 2 << true << true << "银行(国有)";
