@@ -39,7 +39,7 @@ void checkSql(const QString &sql, int bindings)
         abort();
     for (const QChar c : sql) {
         const bool allowed = (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
-                             || QStringLiteral(" _\"()<>=?,'\\").contains(c);
+                             || QStringLiteral(" _\"()<>=?,'\\&").contains(c);
         if (!allowed)
             abort();
     }

@@ -62,7 +62,8 @@ QString takeOperator(Scanner &s)
 {
     static const QLatin1String symbols[] = {QLatin1String(">="), QLatin1String("<="),
                                             QLatin1String("=="), QLatin1String("!="),
-                                            QLatin1String(">"),  QLatin1String("<")};
+                                            QLatin1String("&&"), QLatin1String(">"),
+                                            QLatin1String("<")};
     for (const QLatin1String &symbol : symbols) {
         if (s.take(symbol))
             return symbol;
@@ -190,6 +191,25 @@ bool translateCondition(const ColumnInfo &column, const QString &op, const QJson
             return false;
         }
         scalar = array.at(0);
+    }
+
+    if (op == QLatin1String("&&")) {
+        // A flag field: the row matches when it shares a bit with the value.
+        if (column.kind != ColumnKind::Integer) {
+            *error = QStringLiteral("value of wrong type for %1: operator && needs a whole-number field")
+                         .arg(column.name);
+            return false;
+        }
+        const QVariant bound = coerceForColumn(scalar, column.kind, column.name, error);
+        if (!bound.isValid())
+            return false;
+        if (bound.userType() != QMetaType::LongLong) {
+            *error = QStringLiteral("value of wrong type for %1: operator && takes a whole number").arg(column.name);
+            return false;
+        }
+        out->sql = QLatin1Char('(') + quoted + QLatin1String(" & ?) <> 0");
+        out->bindings.append(bound);
+        return true;
     }
 
     if (op == QLatin1String("like")) {

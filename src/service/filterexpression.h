@@ -14,7 +14,7 @@ namespace SubjectService {
 struct FilterCondition
 {
     QString field;
-    QString op;     // one of > >= < <= == != like in nin
+    QString op;     // one of > >= < <= == != like in nin &&
     QString param;
 };
 

@@ -14,7 +14,7 @@ bool readInteger(const QJsonValue &value, qint64 *out)
 {
     if (value.isDouble()) {
         const double d = value.toDouble();
-        if (d != qint64(d) || d > 9.0e15 || d < -9.0e15)
+        if (d > 9.0e15 || d < -9.0e15 || d != double(qint64(d)))
             return false;
         *out = qint64(d);
         return true;

@@ -21,6 +21,13 @@ ColumnKind columnKindFromDeclaredType(const QString &declaredType)
     return ColumnKind::Text;
 }
 
+// A double that converts to a 64-bit integer without loss; the range test
+// comes first, since converting a larger double is undefined.
+static bool isWhole(double d)
+{
+    return d > -9.2e18 && d < 9.2e18 && d == double(qint64(d));
+}
+
 static QString strippedText(QString text)
 {
     text = text.trimmed();
@@ -85,7 +92,7 @@ int parseYearMonth(const QJsonValue &value)
     QString text;
     if (value.isDouble()) {
         const double d = value.toDouble();
-        if (d != qint64(d))
+        if (!isWhole(d))
             return 0;
         text = QString::number(qint64(d));
     } else if (value.isString()) {
@@ -135,7 +142,7 @@ QVariant coerceForColumn(const QJsonValue &value, ColumnKind kind, const QString
             *error = QStringLiteral("value of wrong type for %1: a number is expected").arg(field);
             return {};
         }
-        if (kind == ColumnKind::Integer && d == qint64(d))
+        if (kind == ColumnKind::Integer && isWhole(d))
             return QVariant(qint64(d));
         return QVariant(d);
     }
@@ -165,7 +172,7 @@ QVariant coerceForColumn(const QJsonValue &value, ColumnKind kind, const QString
             return QVariant(value.toString());
         if (value.isDouble()) {
             const double d = value.toDouble();
-            return QVariant(d == qint64(d) ? QString::number(qint64(d)) : QString::number(d, 'g', 15));
+            return QVariant(isWhole(d) ? QString::number(qint64(d)) : QString::number(d, 'g', 15));
         }
         *error = QStringLiteral("value of wrong type for %1: a text is expected").arg(field);
         return {};

@@ -2,6 +2,7 @@
 
 #include "mulittable/tfheaderdatastruct.h"
 #include "mulittable/tfsubjecttablemodel.h"
+#include "tfmessagebox.h"
 
 #include "bandgrid.h"
 #include "tfcore/tfcore.h"
@@ -12,7 +13,6 @@
 #include <QEvent>
 #include <QFontMetrics>
 #include <QHBoxLayout>
-#include <QMessageBox>
 #include <QRegExp>
 #include <QToolButton>
 #include <QUrl>
@@ -243,9 +243,7 @@ void TFSujectTableView::onCellButtonClicked(int row, int column)
     QString caption = clicked->caption();
     if (caption.isEmpty() && m_model)
         caption = m_model->headerData(column, Qt::Horizontal).toString();
-    QMessageBox box(QMessageBox::NoIcon, name + QLatin1Char('-') + caption, text,
-                    QMessageBox::Ok, this);
-    box.exec();
+    TFMessageBox::showMsg(name + QLatin1Char('-') + caption, text);
 }
 
 void TFSujectTableView::hideColumn(int &hiddenCount)

@@ -53,6 +53,8 @@ private slots:
     void everyView();
     void menuAgreesWithCatalogue();
     void catalogueUsesEveryFeature();
+    void barDefaultsNarrowTheRows_data();
+    void barDefaultsNarrowTheRows();
     void concurrentClients();
     void executable();
 
@@ -336,6 +338,27 @@ void tst_SubjectService::filterTranslation_data()
     rows("equal date", "(TRADE_DATE == :d)", R"j({"d":"2024-12-31"})j", "TRADE_DATE = '2024-12-31'", 2000);
     rows("equal date at a time of day", "(TRADE_DATE == :d)", R"j({"d":"[2024-12-31 23:59:59]"})j", "0", 0);
     rows("service date", "(LIST_DATE <= :d)", R"j({"d":"/Date(946656000000+0800)"})j", "LIST_DATE <= '2000-01-01'", 10);
+    rows("greater than a service date", "(LIST_DATE > :d)", R"j({"d":"/Date(946656000000+0800)"})j",
+         "LIST_DATE > '2000-01-01'", 100);
+    rows("less than a service date west of UTC", "(LIST_DATE < :d)", R"j({"d":"/Date(946684800000-0500)"})j",
+         "LIST_DATE <= '1999-12-31'", 10);
+    rows("service date in brackets", "(LIST_DATE >= :d)", R"j({"d":"[/Date(946656000000+0800)]"})j",
+         "LIST_DATE >= '2000-01-01'", 100);
+    rows("not equal to a date", "(LIST_DATE != :d)", R"j({"d":"[2000-01-01 00:00:00]"})j",
+         "LIST_DATE <> '2000-01-01'", 100);
+    rows("interval of a day", "(LIST_DATE >= :LIST_DATE_0) && (LIST_DATE <= :LIST_DATE_1)",
+         R"j({"LIST_DATE_0":"[2010-01-01 00:00:00]","LIST_DATE_1":"[2010-12-31 23:59:59]"})j",
+         "LIST_DATE BETWEEN '2010-01-01' AND '2010-12-31'", 10);
+    rows("dates in a list, mixed forms", "(LIST_DATE in :d)",
+         R"j({"d":["2000-02-13","[2006-12-13 00:00:00]","/Date(1662912000000+0800)"]})j",
+         "LIST_DATE IN ('2000-02-13','2006-12-13','2022-09-12')", 10);
+    rows("date not in one scalar", "(LIST_DATE nin :d)", R"j({"d":"[2000-02-13 00:00:00]"})j",
+         "LIST_DATE <> '2000-02-13'", 1990);
+    rows("date as text with like", "(LIST_DATE like :d)", R"j({"d":"2010-"})j", "LIST_DATE LIKE '2010-%'", 10);
+    rows("flags sharing a bit", "(SECU_ID && :f)", R"j({"f":1})j", "(SECU_ID & 1) <> 0", 100);
+    rows("flags in text", "(SECU_ID && :f)", R"j({"f":"6"})j", "(SECU_ID & 6) <> 0", 100);
+    rows("flags and another condition", "(SECU_ID && :f) && (MKT == :m)", R"j({"f":[2],"m":"上交所"})j",
+         "(SECU_ID & 2) <> 0 AND MKT = '上交所'", 10);
     rows("equal text", "(MKT == :m)", R"j({"m":"上交所"})j", "MKT = '上交所'", 100);
     rows("not equal", "(MKT != :m)", R"j({"m":"上交所"})j", "MKT <> '上交所'", 100);
     rows("like wraps", "(SECU_SHT like :k)", R"j({"k":"银行"})j", "SECU_SHT LIKE '%银行%'", 1);
@@ -365,6 +388,13 @@ void tst_SubjectService::filterTranslation_data()
     error("table of another view", "(sqlite_master == :s)", R"j({"s":"a"})j", "unknown field");
     error("unknown field", "(NO_SUCH_FIELD == :s)", R"j({"s":"a"})j", "unknown field");
     error("or is refused", "(CHG_PCT > :a) || (PE > :a)", R"j({"a":1})j", "||");
+    error("or inside a condition", "(CHG_PCT || :a)", R"j({"a":1})j", "||");
+    error("flags on a text field", "(MKT && :a)", R"j({"a":1})j", "whole-number field");
+    error("flags on a fraction field", "(CHG_PCT && :a)", R"j({"a":1})j", "whole-number field");
+    error("flags with a fraction", "(SECU_ID && :a)", R"j({"a":1.5})j", "whole number");
+    error("flags with two values", "(SECU_ID && :a)", R"j({"a":[1,2]})j", "wrong type");
+    error("unreadable service date", "(LIST_DATE > :d)", R"j({"d":"/Date(abc+0800)"})j", "wrong type");
+    error("date with a month 13", "(LIST_DATE > :d)", R"j({"d":"[2000-13-01 00:00:00]"})j", "wrong type");
     error("unknown operator", "(CHG_PCT = :a)", R"j({"a":1})j", "does not parse");
     error("no parentheses", "CHG_PCT > :a", R"j({"a":1})j", "does not parse");
     error("unbound parameter", "(CHG_PCT > :a)", R"j({"b":1})j", ":a");
@@ -894,6 +924,82 @@ void tst_SubjectService::catalogueUsesEveryFeature()
         QVERIFY2(found, qPrintable(control));
     }
     QVERIFY(classNames.contains("ComboBox"));
+}
+
+// For each kind of simple control, a view whose bar opens with a default that
+// the service accepts and that leaves fewer rows than no filter. The body is
+// the one the bar makes from that default: "(FIELD op :FIELD_i)" terms, or a
+// top-level key for a data-source control. "%TODAY%" stands for today's date.
+void tst_SubjectService::barDefaultsNarrowTheRows_data()
+{
+    QTest::addColumn<qint64>("view");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("defaultValue");
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QByteArray>("keys");   // filterParams and top-level keys of the body
+
+    QTest::newRow("date edit") << qint64(7580) << "DateEdit" << "=date'2024-01-01'" << "(START_DATE >= :START_DATE_0)"
+                               << QByteArray(R"j({"filterParams":{"START_DATE_0":"[2024-01-01 23:59:59]"}})j");
+    QTest::newRow("date-time interval of one day")
+        << qint64(47810) << "DateTimeInterval" << "=date'2024-12-31';=date'2024-12-31'"
+        << "(TRADE_DATE >= :TRADE_DATE_0) && (TRADE_DATE <= :TRADE_DATE_1)"
+        << QByteArray(R"j({"filterParams":{"TRADE_DATE_0":"[2024-12-31 00:00:00]","TRADE_DATE_1":"[2024-12-31 23:59:59]"}})j");
+    QTest::newRow("date-time interval up to today")
+        << qint64(47820) << "DateTimeInterval" << "=date'2024-12-01';$today()"
+        << "(TRADE_DATE >= :TRADE_DATE_0) && (TRADE_DATE <= :TRADE_DATE_1)"
+        << QByteArray(R"j({"filterParams":{"TRADE_DATE_0":"[2024-12-01 00:00:00]","TRADE_DATE_1":"[%TODAY% 23:59:59]"}})j");
+    QTest::newRow("decimal interval") << qint64(266) << "DecimalTextEditInterval" << "0;30"
+                                      << "(PE >= :PE_0) && (PE <= :PE_1)"
+                                      << QByteArray(R"j({"filterParams":{"PE_0":0,"PE_1":30}})j");
+    QTest::newRow("text edit") << qint64(266) << "TextEdit" << "6000" << "(SECU_CODE like :SECU_CODE_0)"
+                               << QByteArray(R"j({"filterParams":{"SECU_CODE_0":"6000"}})j");
+    QTest::newRow("hidden F9 security") << qint64(1641) << "F9SecuIdCntrl" << "100000" << "(secu_id == :secu_id_0)"
+                                        << QByteArray(R"j({"filterParams":{"secu_id_0":100000}})j");
+    QTest::newRow("virtual control as a data-source key") << qint64(47811) << "VirtualCntrl" << "AU" << ""
+                                                          << QByteArray(R"j({"CMD_CODE":"AU"})j");
+}
+
+void tst_SubjectService::barDefaultsNarrowTheRows()
+{
+    QFETCH(qint64, view);
+    QFETCH(QString, className);
+    QFETCH(QString, defaultValue);
+    QFETCH(QString, filter);
+    QFETCH(QByteArray, keys);
+
+    const ViewDefinition *definition = m_catalogue.view(view);
+    QVERIFY(definition);
+    QStringList configured;
+    for (const QJsonValue &value : definition->filters) {
+        if (value.toObject().value("ClassName").toString() == className)
+            configured << value.toObject().value("DefualtValue").toString();
+    }
+    QCOMPARE(configured, QStringList{defaultValue});
+
+    auto rowCount = [this](const QJsonObject &body) {
+        const ServiceReply reply = postJson(base(), "/bas/subject/data", body);
+        if (reply.state() != 1)
+            return -1;
+        for (const QJsonValue &item : reply.data().toObject().value("Summary").toArray()) {
+            if (item.toObject().value("Item").toString() == "rcount")
+                return item.toObject().value("value").toInt();
+        }
+        return -2;
+    };
+    const QJsonObject plain{{"obj_vw_id", view}, {"flag", 1}, {"page", 1}, {"size", 1}};
+    QJsonObject narrowed = plain;
+    const QByteArray today = QDate::currentDate().toString(Qt::ISODate).toLatin1();
+    const QJsonObject extra = QJsonDocument::fromJson(keys.replace("%TODAY%", today)).object();
+    QVERIFY(!extra.isEmpty());
+    for (auto it = extra.begin(); it != extra.end(); ++it)
+        narrowed.insert(it.key(), it.value());
+    if (!filter.isEmpty())
+        narrowed.insert("filter", filter);
+
+    const int all = rowCount(plain);
+    const int some = rowCount(narrowed);
+    QVERIFY2(some > 0, qPrintable(QString::number(some)));
+    QVERIFY2(some < all, qPrintable(QStringLiteral("%1 of %2").arg(some).arg(all)));
 }
 
 void tst_SubjectService::concurrentClients()

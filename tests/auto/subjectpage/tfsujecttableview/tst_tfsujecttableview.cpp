@@ -6,7 +6,8 @@
 
 #include <QApplication>
 #include <QFontMetrics>
-#include <QMessageBox>
+#include <QLabel>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QSignalSpy>
 #include <QToolButton>
@@ -474,9 +475,11 @@ void tst_TFSujectTableView::memoButtonShowsTheCell()
     QString title;
     QString text;
     QTimer::singleShot(0, this, [&] {
-        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            title = box->windowTitle();
-            text = box->text();
+        if (QWidget *box = QApplication::activeModalWidget()) {
+            if (auto *label = box->findChild<QLabel *>(QStringLiteral("lbTitle")))
+                title = label->text();
+            if (auto *browser = box->findChild<QTextBrowser *>(QStringLiteral("tbMsg")))
+                text = browser->toPlainText();
             box->close();
         }
     });
