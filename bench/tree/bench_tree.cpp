@@ -64,9 +64,9 @@ QByteArray reply(int rowCount, QString *leafCode)
 // Milliseconds of processor time this thread has used.
 double threadMs()
 {
-    timespec spec{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &spec);
-    return spec.tv_sec * 1e3 + spec.tv_nsec / 1e6;
+    timespec clockTime{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &clockTime);
+    return clockTime.tv_sec * 1e3 + clockTime.tv_nsec / 1e6;
 }
 
 double median(std::vector<double> values)

@@ -18,10 +18,10 @@ std::atomic<long long> g_limitMs{2000};
 // be read (a thread that has ended).
 bool cpuTime(clockid_t clock, std::chrono::nanoseconds *time)
 {
-    timespec spec{};
-    if (clock_gettime(clock, &spec) != 0)
+    timespec clockTime{};
+    if (clock_gettime(clock, &clockTime) != 0)
         return false;
-    *time = std::chrono::seconds(spec.tv_sec) + std::chrono::nanoseconds(spec.tv_nsec);
+    *time = std::chrono::seconds(clockTime.tv_sec) + std::chrono::nanoseconds(clockTime.tv_nsec);
     return true;
 }
 

@@ -22,10 +22,10 @@ namespace {
 // A header from a compact list: "A,G,B<G,C<G" makes A and G top level and
 // B, C columns of band G; "~B" hides leaf B after the tree is built (as the
 // hidden group leaf is); captions are the field names.
-std::unique_ptr<TFTreeStruct> header(const QString &spec, bool grouped = false)
+std::unique_ptr<TFTreeStruct> header(const QString &layout, bool grouped = false)
 {
     QSet<QString> bands;
-    const QStringList items = spec.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    const QStringList items = layout.split(QLatin1Char(','), Qt::SkipEmptyParts);
     for (const QString &item : items) {
         if (item.contains(QLatin1Char('<')))
             bands.insert(item.section(QLatin1Char('<'), 1));
@@ -134,7 +134,7 @@ void tst_TFExcelWritter::columnLetters()
 
 void tst_TFExcelWritter::table_data()
 {
-    QTest::addColumn<QString>("spec");
+    QTest::addColumn<QString>("layout");
     QTest::addColumn<bool>("grouped");
     QTest::addColumn<Rows>("rows");
     QTest::addColumn<QStringList>("cells");
@@ -190,14 +190,14 @@ void tst_TFExcelWritter::table_data()
 
 void tst_TFExcelWritter::table()
 {
-    QFETCH(QString, spec);
+    QFETCH(QString, layout);
     QFETCH(bool, grouped);
     QFETCH(Rows, rows);
     QFETCH(QStringList, cells);
     QFETCH(QStringList, merges);
     QFETCH(QString, widths);
 
-    const std::unique_ptr<TFTreeStruct> tree = header(spec, grouped);
+    const std::unique_ptr<TFTreeStruct> tree = header(layout, grouped);
     const QString path = write(tree.get(), rows);
     QVERIFY(!path.isEmpty());
     const WorkbookReader sheet(path);
@@ -258,10 +258,10 @@ void tst_TFExcelWritter::numberFormats()
     QFETCH(QStringList, texts);
     QFETCH(QStringList, formats);
 
-    QStringList spec;
+    QStringList layout;
     for (int i = 0; i < values.size(); ++i)
-        spec.append(QStringLiteral("F%1").arg(i));
-    const std::unique_ptr<TFTreeStruct> tree = header(spec.join(QLatin1Char(',')));
+        layout.append(QStringLiteral("F%1").arg(i));
+    const std::unique_ptr<TFTreeStruct> tree = header(layout.join(QLatin1Char(',')));
     const QString path = write(tree.get(), Rows{values});
     QVERIFY(!path.isEmpty());
     const WorkbookReader sheet(path);
