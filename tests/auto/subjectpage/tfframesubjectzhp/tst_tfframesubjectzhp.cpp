@@ -400,5 +400,13 @@ void tst_TFFrameSubjectZHP::globalArgumentReplacesTheControlValue()
     QThreadPool::globalInstance()->waitForDone(30000);
 }
 
-QTEST_MAIN(tst_TFFrameSubjectZHP)
+int main(int argc, char **argv)
+{
+    // The frame's views include chart views, which hold web views: those
+    // need shared contexts.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication app(argc, argv);
+    tst_TFFrameSubjectZHP test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_tfframesubjectzhp.moc"

@@ -370,7 +370,9 @@ void tst_TFSubjectSetting::dialog()
     QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
 
     QString failure = "the dialog did not open";
+    int opened = 0;
     const std::function<void()> driver = [&] {
+        ++opened;
         QWidget *dialog = nullptr;
         QTest::qWaitFor([&] { return (dialog = QApplication::activeModalWidget()) != nullptr; }, 10000);
         auto *setting = dialog ? dialog->findChild<TFSubjectSetting *>() : nullptr;
@@ -382,13 +384,14 @@ void tst_TFSubjectSetting::dialog()
         const QString tip = setting->findChild<QLabel *>("lbUserSelectedTip")->text();
         failure = tip == QStringLiteral("沪深A股行情|260") ? QString() : "the frame's view is not chosen: " + tip;
         // The page reloads and its filter rows reach the dialog's bar, the
-        // screen's arguments as their defaults.
+        // screen's arguments as their defaults. After an apply the
+        // component's own arguments, read from its bar, come first.
         auto *bar = setting->findChild<TFFilterWidget *>("fmFilter");
         QTest::qWaitFor([&] { return !bar->filterData().isEmpty(); }, 30000);
         bool province = false;
         for (const TFTableModelData::FilterData &row : bar->filterData())
             province = province || (row.FieldName == "PROVINCE" && row.DefualtValue == QStringLiteral("北京"));
-        if (failure.isEmpty() && !province)
+        if (failure.isEmpty() && opened == 1 && !province)
             failure = "the dialog's bar does not take the screen's argument as its default";
         if (failure.isEmpty() && !choose.isEmpty()) {
             tree->setCurrentItem(itemCalled(tree, choose));
@@ -421,5 +424,13 @@ void tst_TFSubjectSetting::dialog()
     QTRY_COMPARE_WITH_TIMEOUT(frame->rightContainer()->mainView()->currentViewId(), objVwId, 30000);
 }
 
-QTEST_MAIN(tst_TFSubjectSetting)
+int main(int argc, char **argv)
+{
+    // The frame's views include chart views, which hold web views: those
+    // need shared contexts.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication app(argc, argv);
+    tst_TFSubjectSetting test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_tfsubjectsetting.moc"
