@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QDebug>
 #include <QDir>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTextStream>
@@ -71,6 +72,9 @@ int main(int argc, char *argv[])
     QString logError;
     if (!LogFile::install(options.logFile, options.verbose, &logError))
         return complain(logError, BadArguments);
+    // The log outlives everything below it: pages and the service write
+    // their last lines while they are destroyed.
+    const auto uninstallLog = qScopeGuard([] { LogFile::uninstall(); });
 
     // The web engine shares its OpenGL context with the widgets'.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
@@ -159,6 +163,5 @@ int main(int argc, char *argv[])
     }
 
     const int result = app.exec();
-    LogFile::uninstall();
     return shooter || exporter ? exitCode : result;
 }
