@@ -38,11 +38,7 @@ TFCheckCombox::TFCheckCombox(const TFTableModelData::FilterData &data, QWidget *
     m_menu->addAction(m_action);
     m_button->setMenu(m_menu);
     m_button->setPopupMode(QToolButton::MenuButtonPopup);
-    auto *layout = new QHBoxLayout(this);
-    layout->setSpacing(6);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_label);
-    layout->addWidget(m_button);
+    layOutInRow({m_label, m_button}, 6);
     setMaximumWidth(300);
 
     connect(m_list, &QListWidget::itemPressed, this, &TFCheckCombox::slotItemPressed);

@@ -24,11 +24,7 @@ TFComboBox::TFComboBox(const TFTableModelData::FilterData &data, QWidget *parent
     , m_dm(this)
 {
     m_box->setItemDelegate(new TFFocusDelegate(m_box));
-    auto *layout = new QHBoxLayout(this);
-    layout->setSpacing(6);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_label);
-    layout->addWidget(m_box);
+    layOutInRow({m_label, m_box}, 6);
     createConnects();
     fill();
 }

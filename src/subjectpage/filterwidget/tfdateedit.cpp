@@ -11,11 +11,7 @@ TFDateEdit::TFDateEdit(const TFTableModelData::FilterData &data, QWidget *parent
 {
     m_edit->setCalendarPopup(true);
     m_edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_label);
-    layout->addWidget(m_edit);
+    layOutInRow({m_label, m_edit}, 6);
 
     // "=date'2024-12-31'" and "2024-12-31" both read; anything else leaves
     // the editor on its own first date, not on today.

@@ -21,13 +21,7 @@ TFDatetimeInterval::TFDatetimeInterval(const TFTableModelData::FilterData &data,
         edit->setCalendarPopup(true);
         edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
     }
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(m_label);
-    layout->addWidget(m_start);
-    layout->addWidget(m_dash);
-    layout->addWidget(m_end);
+    layOutInRow({m_label, m_start, m_dash, m_end}, 2);
 
     QString text = data.DefualtValue;
     const QStringList parts = text.remove(QLatin1Char('=')).split(QLatin1Char(';'), Qt::SkipEmptyParts);

@@ -13,13 +13,7 @@ TFDecimalTextEditInterval::TFDecimalTextEditInterval(const TFTableModelData::Fil
 {
     m_start->setObjectName(QStringLiteral("startValue"));
     m_end->setObjectName(QStringLiteral("endValue"));
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(m_label);
-    layout->addWidget(m_start);
-    layout->addWidget(m_dash);
-    layout->addWidget(m_end);
+    layOutInRow({m_label, m_start, m_dash, m_end}, 2);
 
     int step = 1;
     const QStringList stepParts = data.ControlParameters.split(QLatin1Char('='));

@@ -9,11 +9,7 @@ TFLineEdit::TFLineEdit(const TFTableModelData::FilterData &data, QWidget *parent
     , m_label(new QLabel(data.Caption, this))
     , m_edit(new QLineEdit(data.DefualtValue, this))
 {
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(10, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_label);
-    layout->addWidget(m_edit);
+    layOutInRow({m_label, m_edit}, 6, 10);
 }
 
 FilterParam::Cntrl TFLineEdit::getCntrl()

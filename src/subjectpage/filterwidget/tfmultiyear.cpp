@@ -20,11 +20,7 @@ TFMultiYear::TFMultiYear(const TFTableModelData::FilterData &data, bool multiple
     m_button->setFixedWidth(100);
     m_button->setMenu(m_menu);
     m_button->setPopupMode(QToolButton::MenuButtonPopup);
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_label);
-    layout->addWidget(m_button);
+    layOutInRow({m_label, m_button}, 6);
     fill();
     applyDefault();
 }

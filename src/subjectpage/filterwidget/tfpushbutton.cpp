@@ -25,10 +25,7 @@ TFPushbutton::TFPushbutton(const TFTableModelData::FilterData &data, QWidget *pa
 {
     m_button->setObjectName(data.ClassName + QStringLiteral("Button"));
     m_button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_button);
+    layOutInRow({m_button}, 0);
 
     const QString name = data.ClassName;
     if (name == QLatin1String(kGetData) || name == QLatin1String(kSort)) {

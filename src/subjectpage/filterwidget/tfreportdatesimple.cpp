@@ -16,12 +16,7 @@ TFReportDateSimple::TFReportDateSimple(const TFTableModelData::FilterData &data,
     , m_period(new QComboBox(this))
     , m_label(new QLabel(this))
 {
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_label);
-    layout->addWidget(m_year);
-    layout->addWidget(m_period);
+    layOutInRow({m_label, m_year, m_period}, 6);
     TFPeriod::useFocusDelegate(m_year);
     TFPeriod::useFocusDelegate(m_period);
     fill();

@@ -16,15 +16,7 @@ TFYearMonthInterval::TFYearMonthInterval(const TFTableModelData::FilterData &dat
     , m_dash(new QLabel(this))
 {
     const TFTableModelData::FilterData row = filterData();
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(m_label);
-    layout->addWidget(m_startYear);
-    layout->addWidget(m_startMonth);
-    layout->addWidget(m_dash);
-    layout->addWidget(m_endYear);
-    layout->addWidget(m_endMonth);
+    layOutInRow({m_label, m_startYear, m_startMonth, m_dash, m_endYear, m_endMonth}, 2);
 
     const QStringList years = row.NameValues.isEmpty() ? TFPeriod::yearsDownTo(1999)
                                                        : row.NameValues.split(';', Qt::SkipEmptyParts);

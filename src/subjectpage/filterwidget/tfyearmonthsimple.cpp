@@ -14,12 +14,7 @@ TFYearMonthSimple::TFYearMonthSimple(const TFTableModelData::FilterData &data, Q
     , m_label(new QLabel(this))
 {
     const TFTableModelData::FilterData row = filterData();
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
-    layout->addWidget(m_label);
-    layout->addWidget(m_year);
-    layout->addWidget(m_month);
+    layOutInRow({m_label, m_year, m_month}, 6);
     TFPeriod::useFocusDelegate(m_year);
     TFPeriod::useFocusDelegate(m_month);
     m_year->addItems(TFPeriod::yearsDownTo(1992));
