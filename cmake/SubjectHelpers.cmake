@@ -38,6 +38,7 @@ function(subject_add_qtest name)
     endif()
     set(isolated ${CMAKE_SOURCE_DIR}/cmake/run-isolated.sh)
     if(T_WEBENGINE)
+        target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/auto/shared)
         find_program(XVFB_RUN xvfb-run REQUIRED)
         add_test(NAME ${name} COMMAND ${isolated} ${XVFB_RUN} -a $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES ENVIRONMENT

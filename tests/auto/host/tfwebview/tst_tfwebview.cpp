@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 class tst_TFWebView : public QObject
 {
     Q_OBJECT
@@ -109,13 +111,6 @@ void tst_TFWebView::stateRoundTrip()
     QCOMPARE(restored.zoomFactor(), 1.5);
 }
 
-int main(int argc, char *argv[])
-{
-    // The web engine shares its OpenGL context with the widgets'.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFWebView test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFWebView)
 
 #include "tst_tfwebview.moc"

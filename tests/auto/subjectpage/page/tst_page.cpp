@@ -25,6 +25,8 @@
 #include <QTreeView>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 namespace {
@@ -238,12 +240,6 @@ void tst_Page::everyTopicOpensFromItsTree()
     }
 }
 
-int main(int argc, char **argv)
-{
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_Page test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_Page)
 
 #include "tst_page.moc"

@@ -17,6 +17,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 namespace {
@@ -294,13 +296,6 @@ void tst_ServiceFaults::fault()
     QVERIFY(QFile::exists(picture));
 }
 
-int main(int argc, char **argv)
-{
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_ServiceFaults test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_ServiceFaults)
 
 #include "tst_servicefaults.moc"

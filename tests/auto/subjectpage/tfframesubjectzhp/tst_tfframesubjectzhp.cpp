@@ -17,6 +17,8 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 namespace {
@@ -400,13 +402,5 @@ void tst_TFFrameSubjectZHP::globalArgumentReplacesTheControlValue()
     QThreadPool::globalInstance()->waitForDone(30000);
 }
 
-int main(int argc, char **argv)
-{
-    // The frame's views include chart views, which hold web views: those
-    // need shared contexts.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFFrameSubjectZHP test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFFrameSubjectZHP)
 #include "tst_tfframesubjectzhp.moc"

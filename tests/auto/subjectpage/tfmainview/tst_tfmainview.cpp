@@ -11,6 +11,8 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 namespace {
 
 QJsonObject configOfType(const QString &type, const QString &name = QStringLiteral("view"))
@@ -148,12 +150,5 @@ void tst_TFMainView::factory()
     QCOMPARE(view->signalsBlocked(), kind == 0);
 }
 
-int main(int argc, char **argv)
-{
-    // A chart view holds a web view, which needs shared contexts.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFMainView test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFMainView)
 #include "tst_tfmainview.moc"

@@ -22,6 +22,8 @@
 #include <QWebEngineView>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 namespace {
@@ -419,12 +421,5 @@ void tst_TFRightContainer::splitterRule()
     QCOMPARE(container.childViewsVisible(), childrenVisible);
 }
 
-int main(int argc, char **argv)
-{
-    // Chart tabs hold web views, which need shared contexts.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFRightContainer test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFRightContainer)
 #include "tst_tfrightcontainer.moc"

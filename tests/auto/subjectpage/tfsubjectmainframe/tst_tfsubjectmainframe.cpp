@@ -25,6 +25,8 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 namespace {
@@ -419,13 +421,6 @@ void tst_TFSubjectMainFrame::constantsComeFromTheNavigationReply()
     TFCacheConfig::instance()->clear();
 }
 
-int main(int argc, char *argv[])
-{
-    // The web view shares its GL context; this must precede the application.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFSubjectMainFrame test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFSubjectMainFrame)
 
 #include "tst_tfsubjectmainframe.moc"

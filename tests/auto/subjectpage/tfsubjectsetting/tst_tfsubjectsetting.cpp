@@ -24,6 +24,8 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <functional>
 #include <memory>
 
@@ -424,13 +426,5 @@ void tst_TFSubjectSetting::dialog()
     QTRY_COMPARE_WITH_TIMEOUT(frame->rightContainer()->mainView()->currentViewId(), objVwId, 30000);
 }
 
-int main(int argc, char **argv)
-{
-    // The frame's views include chart views, which hold web views: those
-    // need shared contexts.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFSubjectSetting test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFSubjectSetting)
 #include "tst_tfsubjectsetting.moc"

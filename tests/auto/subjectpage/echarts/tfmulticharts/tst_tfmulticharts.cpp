@@ -19,6 +19,8 @@
 #include <QWebEngineView>
 #include <QtTest>
 
+#include "webenginetestmain.h"
+
 #include <memory>
 
 using namespace SubjectService;
@@ -285,12 +287,6 @@ void tst_TFMultiCharts::saveWritesAPicture()
     QVERIFY2(colours.size() > 8, qPrintable(QString::number(colours.size())));
 }
 
-int main(int argc, char **argv)
-{
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication app(argc, argv);
-    tst_TFMultiCharts test;
-    return QTest::qExec(&test, argc, argv);
-}
+SUBJECT_WEBENGINE_TEST_MAIN(tst_TFMultiCharts)
 
 #include "tst_tfmulticharts.moc"
