@@ -71,14 +71,11 @@ class tst_TFTreeWidgets : public QObject
     Q_OBJECT
 private slots:
     void initTestCase() { qRegisterMetaType<QStandardItem *>(); }
-    void construction();
     void proxyKeepsParentsOfHits_data();
     void proxyKeepsParentsOfHits();
     void searchOpensFirstLeaf();
-    void clickOpensOnce_data();
-    void clickOpensOnce();
-    void groupChangedOnlyUnderLevelOne_data();
-    void groupChangedOnlyUnderLevelOne();
+    void click_data();
+    void click();
     void selectByName_data();
     void selectByName();
     void selectByCode();
@@ -87,22 +84,6 @@ private slots:
     void emptyBlockTreeNeverShown();
     void leafMarker();
 };
-
-void tst_TFTreeWidgets::construction()
-{
-    TFTreeWidgetContainer container;
-    QCOMPARE(container.objectName(), QStringLiteral("TreeContainer"));
-    QCOMPARE(container.mainTree()->objectName(), QStringLiteral("SubjectTree"));
-    QCOMPARE(container.blockTree()->objectName(), QStringLiteral("BlockTree"));
-    QCOMPARE(container.mainTreeView()->objectName(), QStringLiteral("SubjectTreeView"));
-    QCOMPARE(container.blockTreeView()->objectName(), QStringLiteral("BlockTreeView"));
-    QVERIFY(container.blockTree()->isHidden());
-    QVERIFY(container.mainTreeView()->isHeaderHidden());
-    QCOMPARE(container.mainTree()->searchWidget()->objectName(), QStringLiteral("SearchWidget"));
-    QCOMPARE(container.mainTree()->searchWidget()->lineEdit()->objectName(), QStringLiteral("SearchLine"));
-    QCOMPARE(container.blockFilter().first, QStringLiteral("filterBlock"));
-    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray());
-}
 
 void tst_TFTreeWidgets::proxyKeepsParentsOfHits_data()
 {
@@ -153,32 +134,39 @@ void tst_TFTreeWidgets::searchOpensFirstLeaf()
     QCOMPARE(clicked.count(), 2);
 }
 
-void tst_TFTreeWidgets::clickOpensOnce_data()
+void tst_TFTreeWidgets::click_data()
 {
     QTest::addColumn<QString>("node");
-    QTest::addColumn<int>("opened");
-    QTest::addColumn<qlonglong>("lastId");
-
-    QTest::newRow("a view opens once") << "沪深A股行情" << 1 << 260LL;
-    QTest::newRow("a web page opens every time") << "公告" << 2 << 0LL;
-    QTest::newRow("a folder without a view opens nothing") << "财务" << 0 << -1LL;
+    QTest::addColumn<int>("opened");       // of two clicks
+    QTest::addColumn<qlonglong>("lastId"); // -1: none
+    QTest::addColumn<QString>("group");    // null: no signal
+    QTest::newRow("a view opens once") << "沪深A股行情" << 1 << 260LL << "行情中心";
+    QTest::newRow("another view of the group") << "abb" << 1 << 269LL << "行情中心";
+    QTest::newRow("a deeper leaf finds the level-1 ancestor") << "利润" << 1 << 265LL << "财务";
+    QTest::newRow("a web page opens every time") << "公告" << 2 << 0LL << "财务";
+    QTest::newRow("a folder without a view opens nothing") << "财务" << 0 << -1LL << QString();
+    QTest::newRow("a folder below level 1") << "分析" << 0 << -1LL << QString();
 }
 
-void tst_TFTreeWidgets::clickOpensOnce()
+void tst_TFTreeWidgets::click()
 {
     QFETCH(QString, node);
     QFETCH(int, opened);
     QFETCH(qlonglong, lastId);
-
+    QFETCH(QString, group);
     TFTreeWidgetContainer container;
     container.loadMainTreeByCode(QStringLiteral("999"), rows(kNavigation), 2, QString());
     QSignalSpy opens(&container, &TFTreeWidgetContainer::signalItemClicked);
+    QSignalSpy groups(&container, &TFTreeWidgetContainer::groupChanged);
     QTreeView *view = container.mainTreeView();
+    // The load opened 沪深A股行情 already: begin from another view, a leaf
+    // at level 1, which belongs to no group.
+    container.mainTree()->slotItemClicked(viewIndex(view, QStringLiteral("单页")));
+    QCOMPARE(opens.count(), 1);
+    QCOMPARE(groups.count(), 0);
+    opens.clear();
     const QModelIndex index = viewIndex(view, node);
     QVERIFY(index.isValid());
-    // The load opened 沪深A股行情 already: begin from another view.
-    container.mainTree()->slotItemClicked(viewIndex(view, QStringLiteral("单页")));
-    opens.clear();
     emit view->clicked(index);
     emit view->clicked(index);
     QCOMPARE(opens.count(), opened);
@@ -186,35 +174,13 @@ void tst_TFTreeWidgets::clickOpensOnce()
         QCOMPARE(opens.at(0).at(0).toLongLong(), lastId);
         QCOMPARE(opens.at(0).at(1).toString(), node);
     }
+    QCOMPARE(groups.count(), group.isNull() ? 0 : 2);
+    if (!group.isNull())
+        QCOMPARE(groups.at(0).at(0).toString(), group);
     // A further view shows what the last identifier was.
     opens.clear();
     container.mainTree()->slotItemClicked(viewIndex(view, QStringLiteral("单页")));
     QCOMPARE(opens.count(), lastId == -1 ? 0 : 1);
-}
-
-void tst_TFTreeWidgets::groupChangedOnlyUnderLevelOne_data()
-{
-    QTest::addColumn<QString>("node");
-    QTest::addColumn<QString>("group");
-
-    QTest::newRow("leaf under a level-1 group") << "abb" << "行情中心";
-    QTest::newRow("deeper leaf finds the level-1 ancestor") << "利润" << "财务";
-    QTest::newRow("leaf at level 1 itself") << "单页" << QString();
-    QTest::newRow("a folder") << "分析" << QString();
-}
-
-void tst_TFTreeWidgets::groupChangedOnlyUnderLevelOne()
-{
-    QFETCH(QString, node);
-    QFETCH(QString, group);
-
-    TFTreeWidgetContainer container;
-    container.loadMainTreeByCode(QStringLiteral("999"), rows(kNavigation), 2, QString());
-    QSignalSpy groups(&container, &TFTreeWidgetContainer::groupChanged);
-    container.mainTree()->slotItemClicked(viewIndex(container.mainTreeView(), node));
-    QCOMPARE(groups.count(), group.isNull() ? 0 : 1);
-    if (!group.isNull())
-        QCOMPARE(groups.at(0).at(0).toString(), group);
 }
 
 void tst_TFTreeWidgets::selectByName_data()
@@ -322,6 +288,10 @@ void tst_TFTreeWidgets::blockTree()
 void tst_TFTreeWidgets::emptyBlockTreeNeverShown()
 {
     TFTreeWidgetContainer container;
+    QVERIFY(container.blockTree()->isHidden());
+    QVERIFY(container.mainTreeView()->isHeaderHidden());
+    QCOMPARE(container.blockFilter().first, QStringLiteral("filterBlock"));
+    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray());
     container.loadBlockTree(QJsonValue());
     QVERIFY(container.blockTreeModel());
     QVERIFY(!container.blockTree()->hasRows());
