@@ -6,7 +6,11 @@
 
 using namespace BandGrid;
 
+#include <functional>
+
 using Steps = QVector<QPair<int, int>>;
+using Change = std::function<void(TableView *, QStandardItemModel *)>;
+Q_DECLARE_METATYPE(Change)
 
 // Rows of (industry, name, value); the view groups by industry.
 class tst_GroupProxyModel : public QObject
@@ -17,19 +21,16 @@ private slots:
     void cleanup();
     void rowCounts_data();
     void rowCounts();
-    void groupsInOrderWithCounts();
     void captionRunsAcrossTheRow_data();
     void captionRunsAcrossTheRow();
-    void rowsInsideGroupFollowSort();
-    void expandedGroupsSurviveSort();
-    void expanderClickToggles();
-    void keysOpenAndShutGroups();
+    void changes_data();
+    void changes();
+    void input_data();
+    void input();
     void groupedColumnHiddenWhenAsked();
-    void disabledGroupingRefuses();
-    void endingGroupingRestoresRows();
-    void changedTextMovesRowToItsGroup();
 
 private:
+    QStringList picture() const;
     QStandardItemModel *m_model = nullptr;
     TableView *m_view = nullptr;
 };
@@ -91,27 +92,7 @@ void tst_GroupProxyModel::rowCounts()
             m_view->setGroupExpanded(step.first, step.second == 1);
     }
     QCOMPARE(m_view->viewRowCount(), rows);
-    int groupRows = 0;
-    for (int r = 0; r < m_view->viewRowCount(); ++r)
-        groupRows += m_view->isGroupRow(r) ? 1 : 0;
-    QCOMPARE(groupRows, 3);
-}
-
-void tst_GroupProxyModel::groupsInOrderWithCounts()
-{
-    QCOMPARE(m_view->groupCount(), 3);
-    QCOMPARE(m_view->groupCaption(0), QStringLiteral("行业: 地产  (2)"));
-    QCOMPARE(m_view->groupCaption(1), QStringLiteral("行业: 电子  (1)"));
-    QCOMPARE(m_view->groupCaption(2), QStringLiteral("行业: 银行  (3)"));
-    QCOMPARE(m_view->model()->index(2, 0).data(GroupCountRole).toInt(), 3);
-    QCOMPARE(m_view->sourceRow(0), -1);
-    m_view->expandAll();
-    // 地产: rows 1 and 4 of the model, in their order.
-    QCOMPARE(m_view->sourceRow(1), 1);
-    QCOMPARE(m_view->sourceRow(2), 4);
-    QCOMPARE(m_view->viewRow(4), 2);
-    QVERIFY(m_view->isGroupRow(3));
-    QCOMPARE(m_view->groupCaption(4), QStringLiteral("行业: 电子  (1)"));
+    QCOMPARE(picture().filter(QStringLiteral("行业: ")).size(), 3);
 }
 
 // The columns that hold pixels darker than the group row's background.
@@ -178,57 +159,114 @@ void tst_GroupProxyModel::captionRunsAcrossTheRow()
     }
 }
 
-void tst_GroupProxyModel::rowsInsideGroupFollowSort()
+// The rows in sight: a group row by its caption, another by its name.
+QStringList tst_GroupProxyModel::picture() const
 {
-    m_view->expandAll();
-    m_view->sortBy(2, Qt::DescendingOrder);
-    // 银行 holds values 3, 5, 0; it is the third group, after 2 + 1 rows.
-    const int first = 6;  // group rows at 0, 3 and 5
-    QVERIFY(m_view->isGroupRow(first - 1));
-    QCOMPARE(m_view->model()->index(first, 2).data().toString(), QStringLiteral("5"));
-    QCOMPARE(m_view->model()->index(first + 1, 2).data().toString(), QStringLiteral("3"));
-    QCOMPARE(m_view->model()->index(first + 2, 2).data().toString(), QStringLiteral("0"));
-    QCOMPARE(m_view->groupCount(), 3);
+    QStringList rows;
+    for (int r = 0; r < m_view->viewRowCount(); ++r)
+        rows << (m_view->isGroupRow(r) ? m_view->groupCaption(r) : m_view->model()->index(r, 1).data().toString());
+    return rows;
 }
 
-void tst_GroupProxyModel::expandedGroupsSurviveSort()
+void tst_GroupProxyModel::changes_data()
 {
-    m_view->setGroupExpanded(2, true);
-    m_view->sortBy(2, Qt::AscendingOrder);
-    QVERIFY(m_view->isGroupExpanded(2));
-    QVERIFY(!m_view->isGroupExpanded(0));
-    QCOMPARE(m_view->viewRowCount(), 6);
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<QStringList>("rows");
+    const QStringList inModelOrder{"平安银行", "万科", "招商银行", "京东方", "保利", "兴业银行"};
+    QTest::newRow("groups in pinyin order, rows in the model's")
+        << Change([](TableView *v, QStandardItemModel *) { v->expandAll(); })
+        << QStringList{"行业: 地产  (2)", "万科", "保利", "行业: 电子  (1)", "京东方",
+                       "行业: 银行  (3)", "平安银行", "招商银行", "兴业银行"};
+    QTest::newRow("rows inside a group follow the sort") << Change([](TableView *v, QStandardItemModel *) {
+        v->expandAll();
+        v->sortBy(2, Qt::DescendingOrder);
+    }) << QStringList{"行业: 地产  (2)", "保利", "万科", "行业: 电子  (1)", "京东方",
+                      "行业: 银行  (3)", "招商银行", "平安银行", "兴业银行"};
+    QTest::newRow("an open group stays open through a sort") << Change([](TableView *v, QStandardItemModel *) {
+        v->setGroupExpanded(2, true);
+        v->sortBy(2, Qt::AscendingOrder);
+    }) << QStringList{"行业: 地产  (2)", "行业: 电子  (1)", "行业: 银行  (3)", "兴业银行", "平安银行", "招商银行"};
+    QTest::newRow("a changed text moves its row; a new group starts shut")
+        << Change([](TableView *v, QStandardItemModel *m) {
+               v->expandAll();
+               m->item(3, 0)->setText(QStringLiteral("银行")); // 京东方 leaves 电子
+               m->item(0, 0)->setText(QStringLiteral("保险"));
+           })
+        << QStringList{"行业: 保险  (1)", "行业: 地产  (2)", "万科", "保利", "行业: 银行  (3)", "招商银行", "京东方", "兴业银行"};
+    QTest::newRow("ending grouping restores the rows") << Change([](TableView *v, QStandardItemModel *) {
+        v->column(0)->setGroupIndex(-1);
+    }) << inModelOrder;
+    QTest::newRow("disabled grouping refuses") << Change([](TableView *v, QStandardItemModel *) {
+        v->options()->setGroupingEnabled(false);
+        QTest::ignoreMessage(QtWarningMsg, "cannot group by column 1");
+        v->groupBy(1);
+    }) << inModelOrder;
 }
 
-void tst_GroupProxyModel::expanderClickToggles()
+void tst_GroupProxyModel::changes()
 {
-    QSignalSpy changed(m_view, &TableView::groupExpandedChanged);
-    const QRect groupRow = m_view->cellRect(1, 0);
-    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(groupRow.left() + 6, groupRow.center().y()));
-    QVERIFY(m_view->isGroupExpanded(1));
-    QCOMPARE(m_view->viewRowCount(), 4);
-    QCOMPARE(changed.count(), 1);
-    // A single click beside the expander only selects.
-    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(0, 0).center() + QPoint(40, 0));
-    QVERIFY(!m_view->isGroupExpanded(0));
-    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, m_view->cellRect(0, 0).center() + QPoint(40, 0));
-    QVERIFY(m_view->isGroupExpanded(0));
-    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(groupRow.left() + 6, m_view->cellRect(3, 0).center().y()));
-    QVERIFY(!m_view->isGroupExpanded(1));
+    QFETCH(Change, change);
+    change(m_view, m_model);
+    QTEST(picture(), "rows");
+    // Rows map to the model both ways; group rows to none, with their size.
+    for (int r = 0; r < m_view->viewRowCount(); ++r) {
+        const int source = m_view->sourceRow(r);
+        if (m_view->isGroupRow(r)) {
+            QCOMPARE(source, -1);
+            QVERIFY(m_view->groupCaption(r).endsWith(QStringLiteral("(%1)").arg(m_view->model()->index(r, 0).data(GroupCountRole).toInt())));
+            continue;
+        }
+        QCOMPARE(m_view->viewRow(source), r);
+        QCOMPARE(m_model->item(source, 1)->text(), m_view->model()->index(r, 1).data().toString());
+    }
 }
 
-void tst_GroupProxyModel::keysOpenAndShutGroups()
+void tst_GroupProxyModel::input_data()
 {
+    // Steps on view rows: a click on the expander, a click or a double
+    // click beside it, or a key on the current row (view row 0 at first).
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QVector<int>>("expanded");
+    QTest::addColumn<int>("toggles");
+    QTest::addColumn<int>("focused"); // -1: not looked at
+    QTest::newRow("expander opens") << QStringList{"expander 1"} << QVector<int>{1} << 1 << -1;
+    QTest::newRow("expander again shuts") << QStringList{"expander 1", "expander 1"} << QVector<int>{} << 2 << -1;
+    QTest::newRow("a click beside the expander only selects") << QStringList{"beside 0"} << QVector<int>{} << 0 << -1;
+    QTest::newRow("a double click beside it opens") << QStringList{"beside 0", "double 0"} << QVector<int>{0} << 1 << -1;
+    QTest::newRow("right opens") << QStringList{"key Right"} << QVector<int>{0} << 1 << -1;
+    QTest::newRow("left shuts") << QStringList{"key Right", "key Left"} << QVector<int>{} << 2 << -1;
+    QTest::newRow("space opens, down goes into the group")
+        << QStringList{"key Space", "key Down"} << QVector<int>{0} << 1 << 1;
+}
+
+void tst_GroupProxyModel::input()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(QVector<int>, expanded);
+    QFETCH(int, focused);
+    QSignalSpy toggles(m_view, &TableView::groupExpandedChanged);
     m_view->setFocus();
     m_view->setCurrentIndex(m_view->model()->index(0, 0));
-    QTest::keyClick(m_view, Qt::Key_Right);
-    QVERIFY(m_view->isGroupExpanded(0));
-    QTest::keyClick(m_view, Qt::Key_Left);
-    QVERIFY(!m_view->isGroupExpanded(0));
-    QTest::keyClick(m_view, Qt::Key_Space);
-    QVERIFY(m_view->isGroupExpanded(0));
-    QTest::keyClick(m_view, Qt::Key_Down);
-    QCOMPARE(m_view->focusedRow(), 1);
+    const QMap<QString, Qt::Key> keys{{"Right", Qt::Key_Right}, {"Left", Qt::Key_Left},
+                                      {"Space", Qt::Key_Space}, {"Down", Qt::Key_Down}};
+    for (const QString &step : steps) {
+        const QString what = step.section(' ', 0, 0);
+        const QString arg = step.section(' ', 1);
+        const QRect row = m_view->cellRect(arg.toInt(), 0);
+        if (what == "key")
+            QTest::keyClick(m_view, keys.value(arg));
+        else if (what == "expander")
+            QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(row.left() + 6, row.center().y()));
+        else if (what == "beside")
+            QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, row.center() + QPoint(40, 0));
+        else
+            QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, row.center() + QPoint(40, 0));
+    }
+    for (int g = 0; g < m_view->groupCount(); ++g)
+        QCOMPARE(m_view->isGroupExpanded(g), expanded.contains(g));
+    QTEST(int(toggles.count()), "toggles");
+    if (focused >= 0)
+        QCOMPARE(m_view->focusedRow(), focused);
 }
 
 void tst_GroupProxyModel::groupedColumnHiddenWhenAsked()
@@ -239,38 +277,6 @@ void tst_GroupProxyModel::groupedColumnHiddenWhenAsked()
     QVERIFY(m_view->column(0)->isVisible());   // the column itself is still wanted
     m_view->groupBy(-1);
     QVERIFY(!m_view->isColumnHidden(0));
-}
-
-void tst_GroupProxyModel::disabledGroupingRefuses()
-{
-    m_view->options()->setGroupingEnabled(false);
-    QCOMPARE(m_view->groupColumn(), -1);
-    QTest::ignoreMessage(QtWarningMsg, "cannot group by column 1");
-    m_view->groupBy(1);
-    QCOMPARE(m_view->groupColumn(), -1);
-    QCOMPARE(m_view->viewRowCount(), 6);
-}
-
-void tst_GroupProxyModel::endingGroupingRestoresRows()
-{
-    m_view->column(0)->setGroupIndex(-1);
-    QCOMPARE(m_view->groupColumn(), -1);
-    QCOMPARE(m_view->viewRowCount(), 6);
-    for (int r = 0; r < 6; ++r)
-        QCOMPARE(m_view->sourceRow(r), r);
-}
-
-void tst_GroupProxyModel::changedTextMovesRowToItsGroup()
-{
-    m_view->expandAll();
-    m_model->item(3, 0)->setText(QStringLiteral("银行"));   // 京东方 leaves 电子
-    QCOMPARE(m_view->groupCount(), 2);
-    QCOMPARE(m_view->groupCaption(3), QStringLiteral("行业: 银行  (4)"));
-    QVERIFY(m_view->isGroupExpanded(1));
-    m_model->item(0, 0)->setText(QStringLiteral("保险"));   // a new group, shut
-    QCOMPARE(m_view->groupCount(), 3);
-    QCOMPARE(m_view->groupCaption(0), QStringLiteral("行业: 保险  (1)"));
-    QVERIFY(!m_view->isGroupExpanded(0));
 }
 
 QTEST_MAIN(tst_GroupProxyModel)

@@ -76,12 +76,10 @@ private slots:
     void searchOpensFirstLeaf();
     void click_data();
     void click();
-    void selectByName_data();
-    void selectByName();
-    void selectByCode();
+    void load_data();
+    void load();
     void expandingATopGroupOpensItAll();
     void blockTree();
-    void emptyBlockTreeNeverShown();
     void leafMarker();
 };
 
@@ -183,54 +181,48 @@ void tst_TFTreeWidgets::click()
     QCOMPARE(opens.count(), lastId == -1 ? 0 : 1);
 }
 
-void tst_TFTreeWidgets::selectByName_data()
+void tst_TFTreeWidgets::load_data()
 {
+    // A tree loaded by a node code, or by a menu record (name, view, sector)
+    // and a text; then one view opens. Nothing selected: the load had no rows.
+    QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("itemName");
     QTest::addColumn<int>("viewId");
     QTest::addColumn<QString>("sectorName");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("selected");
-
-    QTest::newRow("item with its view") << "abb" << 269 << "行情中心" << QString() << "abb";
+    QTest::newRow("by code") << "22" << "" << 0 << "" << "" << "利润";
+    QTest::newRow("by code, no rows: nothing opens") << "22" << "" << 0 << "" << "" << "";
+    QTest::newRow("item with its view") << "" << "abb" << 269 << "行情中心" << "" << "abb";
     QTest::newRow("item name with another view: the sector, then its first leaf")
-        << "abb" << 1 << "财务" << QString() << "利润";
-    QTest::newRow("the text names a child below the sector") << "x" << 0 << "财务" << "公告" << "公告";
-    QTest::newRow("nothing found: first leaf of the tree") << "x" << 0 << "y" << QString() << "沪深A股行情";
+        << "" << "abb" << 1 << "财务" << "" << "利润";
+    QTest::newRow("the text names a child below the sector") << "" << "x" << 0 << "财务" << "公告" << "公告";
+    QTest::newRow("nothing found: first leaf of the tree") << "" << "x" << 0 << "y" << "" << "沪深A股行情";
 }
 
-void tst_TFTreeWidgets::selectByName()
+void tst_TFTreeWidgets::load()
 {
+    QFETCH(QString, code);
+    QFETCH(QString, text);
+    QFETCH(QString, selected);
+    TFTreeWidgetContainer container;
+    QSignalSpy opens(&container, &TFTreeWidgetContainer::signalItemClicked);
+    const QJsonValue navigation = rows(selected.isEmpty() ? "[]" : kNavigation);
+    TFMenuCfg::MenuItem record;
     QFETCH(QString, itemName);
     QFETCH(int, viewId);
     QFETCH(QString, sectorName);
-    QFETCH(QString, text);
-    QFETCH(QString, selected);
-
-    TFTreeWidgetContainer container;
-    QSignalSpy opens(container.mainTree(), &TFSubjectTreeWidget::signalItemClicked);
-    TFMenuCfg::MenuItem record;
     record.itemName = itemName;
     record.obj_vw_id = viewId;
     record.sectorName = sectorName;
-    QVERIFY(container.loadMainTreeByName(record, rows(kNavigation), 2, text));
+    QCOMPARE(code.isEmpty() ? container.loadMainTreeByName(record, navigation, 2, text)
+                            : container.loadMainTreeByCode(code, navigation, 2, text),
+             !selected.isEmpty());
     QCOMPARE(container.mainTreeView()->currentIndex().data().toString(), selected);
-    QCOMPARE(opens.count(), 1);
-}
-
-void tst_TFTreeWidgets::selectByCode()
-{
-    TFTreeWidgetContainer container;
-    QSignalSpy opens(&container, &TFTreeWidgetContainer::signalItemClicked);
-    QVERIFY(container.loadMainTreeByCode(QStringLiteral("22"), rows(kNavigation), 2, QString()));
-    QCOMPARE(container.mainTreeView()->currentIndex().data().toString(), QStringLiteral("利润"));
-    QCOMPARE(opens.count(), 1);
-    QCOMPARE(opens.at(0).at(0).toLongLong(), 265);
-
-    // Rows that give no tree: nothing opens, and the caller is told.
-    QSignalSpy none(&container, &TFTreeWidgetContainer::signalItemClicked);
-    QVERIFY(!container.loadMainTreeByCode(QStringLiteral("22"), rows("[]"), 2, QString()));
-    QCOMPARE(none.count(), 0);
-    QCOMPARE(container.mainTreeModel()->rowCount(), 0);
+    QCOMPARE(opens.count(), selected.isEmpty() ? 0 : 1);
+    if (!selected.isEmpty())
+        QCOMPARE(opens.at(0).at(1).toString(), selected);
+    QCOMPARE(container.mainTreeModel()->rowCount() > 0, !selected.isEmpty());
 }
 
 void tst_TFTreeWidgets::expandingATopGroupOpensItAll()
@@ -253,7 +245,18 @@ void tst_TFTreeWidgets::expandingATopGroupOpensItAll()
 
 void tst_TFTreeWidgets::blockTree()
 {
+    // Without rows the block tree is never shown.
     TFTreeWidgetContainer container;
+    QVERIFY(container.blockTree()->isHidden());
+    QVERIFY(container.mainTreeView()->isHeaderHidden());
+    QCOMPARE(container.blockFilter().first, QStringLiteral("filterBlock"));
+    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray());
+    container.loadBlockTree(QJsonValue());
+    QVERIFY(!container.blockTree()->hasRows());
+    container.setRootSector(QStringLiteral("行业"));
+    container.slotSetSector(QStringLiteral("5"));
+    QVERIFY(container.blockTree()->isHidden());
+
     container.loadBlockTree(rows(kBlocks));
     QVERIFY(container.blockTree()->hasRows());
     TFSubjectTreeModel *model = container.blockTreeModel();
@@ -283,21 +286,6 @@ void tst_TFTreeWidgets::blockTree()
     // An empty array replaces the rows with none.
     container.loadBlockTree(rows("[]"));
     QVERIFY(!container.blockTree()->hasRows());
-}
-
-void tst_TFTreeWidgets::emptyBlockTreeNeverShown()
-{
-    TFTreeWidgetContainer container;
-    QVERIFY(container.blockTree()->isHidden());
-    QVERIFY(container.mainTreeView()->isHeaderHidden());
-    QCOMPARE(container.blockFilter().first, QStringLiteral("filterBlock"));
-    QCOMPARE(container.blockFilter().second.toJsonArray(), QJsonArray());
-    container.loadBlockTree(QJsonValue());
-    QVERIFY(container.blockTreeModel());
-    QVERIFY(!container.blockTree()->hasRows());
-    container.setRootSector(QStringLiteral("行业"));
-    container.slotSetSector(QStringLiteral("5"));
-    QVERIFY(container.blockTree()->isHidden());
 }
 
 void tst_TFTreeWidgets::leafMarker()
