@@ -235,6 +235,7 @@ void tst_GroupProxyModel::input_data()
     QTest::newRow("a double click beside it opens") << QStringList{"beside 0", "double 0"} << QVector<int>{0} << 1 << -1;
     QTest::newRow("right opens") << QStringList{"key Right"} << QVector<int>{0} << 1 << -1;
     QTest::newRow("left shuts") << QStringList{"key Right", "key Left"} << QVector<int>{} << 2 << -1;
+    QTest::newRow("space shuts an open group") << QStringList{"key Right", "key Space"} << QVector<int>{} << 2 << -1;
     QTest::newRow("space opens, down goes into the group")
         << QStringList{"key Space", "key Down"} << QVector<int>{0} << 1 << 1;
 }

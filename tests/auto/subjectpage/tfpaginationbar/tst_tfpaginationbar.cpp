@@ -216,7 +216,8 @@ void tst_TFPaginationBar::settings_data()
     QTest::addColumn<int>("storedCount"); // 0: nothing stored
     QTest::addColumn<int>("index");
     QTest::newRow("four items restore the index") << 2 << 4 << 2;
-    QTest::newRow("another count gives the first") << 2 << 3 << 0;
+    QTest::newRow("a shorter list gives the first") << 2 << 3 << 0;
+    QTest::newRow("a longer list gives the first") << 2 << 5 << 0;
     QTest::newRow("a list of one gives the first") << 3 << 1 << 0;
     QTest::newRow("nothing stored") << 0 << 0 << 0;
 }

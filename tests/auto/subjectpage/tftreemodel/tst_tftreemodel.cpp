@@ -80,6 +80,8 @@ void tst_TFSubjectTreeModel::build_data()
     QTest::newRow("rows naming each other as parent") << "3/4/a,4/3/b,5/2/c" << 2 << false << true << "c";
     QTest::newRow("own code as parent: under the next row with that code")
         << "3/2/first,3/3/second,7/7/alone" << 2 << false << true << "first(second)";
+    QTest::newRow("own code as parent, the first of two: under the second") << "3/3/first,3/2/second" << 2 << false
+                                                                         << true << "second(first)";
     QTest::newRow("rows under a ring left out") << "5/3/tail,3/4/a,4/3/b,6/2/c,8/6/d" << 2 << false << true << "c(d)";
     QTest::newRow("block tree ignores the root code passed in") << "11/0/银行,12/11/国有,13/2/under two" << 2
                                                                 << true << true << "银行(国有)";
