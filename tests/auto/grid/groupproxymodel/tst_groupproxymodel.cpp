@@ -4,9 +4,9 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
-using namespace BandGrid;
-
 #include <functional>
+
+using namespace BandGrid;
 
 using Steps = QVector<QPair<int, int>>;
 using Change = std::function<void(TableView *, QStandardItemModel *)>;
