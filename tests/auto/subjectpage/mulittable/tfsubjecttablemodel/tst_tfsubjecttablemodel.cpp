@@ -70,13 +70,12 @@ class tst_TFSubjectTableModel : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
-    void decimalText_data();
-    void decimalText();
-    void otherTypes_data();
-    void otherTypes();
+    void init();
+    void cleanup();
+    void cellData_data();
+    void cellData();
     void unitChoice_data();
     void unitChoice();
-    void tooltip();
     void alignment_data();
     void alignment();
     void textColor_data();
@@ -84,107 +83,102 @@ private slots:
     void colorFollowsRowsAndSkin();
     void colorOfExpressionsWithState();
     void colorPublishesAllButTheLastCell();
-    void sortValue_data();
-    void sortValue();
     void captionFollowsUnitChange();
     void signals_();
     void allSelectedData();
     void recordChangesInTheTreeShowAtOnce();
-
-private:
-    QLocale m_savedLocale;
 };
 
 void tst_TFSubjectTableModel::initTestCase()
 {
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     qputenv("TZ", "UTC");
 }
 
-void tst_TFSubjectTableModel::decimalText_data()
+void tst_TFSubjectTableModel::init()
 {
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QString>("columnType");
-    QTest::addColumn<qint64>("show");
-    QTest::addColumn<qint64>("prev");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QVariant>("text");
-
-    QTest::newRow("default two decimals") << "" << "" << qint64(0) << qint64(0) << QVariant(3.14159) << QVariant("3.14");
-    QTest::newRow("n4") << "n4" << "" << qint64(0) << qint64(0) << QVariant(3.14159) << QVariant("3.1416");
-    QTest::newRow("N4 in capitals") << "N4" << "" << qint64(0) << qint64(0) << QVariant(3.14159) << QVariant("3.1416");
-    QTest::newRow("n0") << "n0" << "" << qint64(0) << qint64(0) << QVariant(2.4) << QVariant("2");
-    QTest::newRow("n0 rounds half away") << "n0" << "" << qint64(0) << qint64(0) << QVariant(2.5) << QVariant("3");
-    QTest::newRow("n20") << "n20" << "" << qint64(0) << qint64(0) << QVariant(0.5) << QVariant("0.50000000000000000000");
-    QTest::newRow("n21 gives two") << "n21" << "" << qint64(0) << qint64(0) << QVariant(1.0) << QVariant("1.00");
-    QTest::newRow("n04 gives two") << "n04" << "" << qint64(0) << qint64(0) << QVariant(1.0) << QVariant("1.00");
-    QTest::newRow("other format gives two") << "#,##0.000" << "" << qint64(0) << qint64(0) << QVariant(1.0) << QVariant("1.00");
-    QTest::newRow("seven digits grouped") << "" << "" << qint64(0) << qint64(0) << QVariant(1234567.891) << QVariant("1,234,567.89");
-    QTest::newRow("negative grouped") << "" << "" << qint64(0) << qint64(0) << QVariant(-1234567.0) << QVariant("-1,234,567.00");
-    QTest::newRow("number in text") << "" << "" << qint64(0) << qint64(0) << QVariant("42.5") << QVariant("42.50");
-    QTest::newRow("not a number shows raw") << "" << "" << qint64(0) << qint64(0) << QVariant("n/a") << QVariant("n/a");
-    QTest::newRow("unit column scaled by show factor")
-        << "" << "BandedGridColumnWithUnit" << qint64(10000) << qint64(1) << QVariant(25000) << QVariant("2.50");
-    QTest::newRow("unit column in any case")
-        << "" << "bandedgridcolumnwithunit" << qint64(10000) << qint64(100) << QVariant(25000) << QVariant("250.00");
-    QTest::newRow("unit column with show factor 0")
-        << "" << "BandedGridColumnWithUnit" << qint64(0) << qint64(1) << QVariant(25000) << QVariant("25,000.00");
-    QTest::newRow("plain column not scaled")
-        << "" << "HyperLinkEdit" << qint64(10000) << qint64(1) << QVariant(25000) << QVariant("25,000.00");
-    QTest::newRow("invalid") << "" << "" << qint64(0) << qint64(0) << QVariant() << QVariant();
-    QTest::newRow("json null") << "" << "" << qint64(0) << qint64(0) << QVariant::fromValue(nullptr) << QVariant();
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    emit TFCore::instance()->signalSkinChanged(QStringLiteral("white"));
 }
 
-void tst_TFSubjectTableModel::decimalText()
+// Whatever a test left: the default locale and the skin the models hear of.
+void tst_TFSubjectTableModel::cleanup()
 {
-    QFETCH(QString, format);
-    QFETCH(QString, columnType);
-    QFETCH(qint64, show);
-    QFETCH(qint64, prev);
-    QFETCH(QVariant, value);
-    QFETCH(QVariant, text);
-
-    HeaderFieldInfo info = column("X", "Decimal");
-    info.formatString = format;
-    info.columnType = columnType;
-    info.showUnitFactor = show;
-    info.prevUnitFactor = prev;
-    info.unitCategory = 1;
-    Table table({ info });
-    table.setRows({ { value } });
-    QCOMPARE(table.data(0, 0, Qt::DisplayRole), text);
+    QLocale::setDefault(QLocale::system());
+    emit TFCore::instance()->signalSkinChanged(TFCore::instance()->getCurrentSkinId());
 }
 
-void tst_TFSubjectTableModel::otherTypes_data()
+void tst_TFSubjectTableModel::cellData_data()
 {
     QTest::addColumn<QString>("valueType");
     QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("columnType");
+    QTest::addColumn<qint64>("show");   // the show factor; the delivered one is 1
     QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QVariant>("text");
+    QTest::addColumn<int>("role");
+    QTest::addColumn<QVariant>("expected");
 
-    QTest::newRow("string trimmed") << "String" << "" << QVariant("  abc \t") << QVariant("abc");
-    QTest::newRow("any type holding string") << "NVarString" << "" << QVariant(" 12 ") << QVariant("12");
-    QTest::newRow("string of a number") << "string" << "" << QVariant(12.5) << QVariant("12.5");
-    QTest::newRow("datetime default format") << "DateTime" << "" << QVariant(qint64(1577923200000)) << QVariant("2020-01-02");
-    QTest::newRow("datetime with format") << "datetime" << "yyyy/MM/dd hh:mm" << QVariant(qint64(1577923260000)) << QVariant("2020/01/02 00:01");
-    QTest::newRow("datetime of 0 is the epoch") << "DateTime" << "" << QVariant(0) << QVariant("1970-01-01");
-    QTest::newRow("datetime from text") << "DateTime" << "" << QVariant("1577923200000") << QVariant("2020-01-02");
-    QTest::newRow("other type as it is") << "Int32" << "" << QVariant(7) << QVariant(7);
-    QTest::newRow("string invalid") << "String" << "" << QVariant() << QVariant();
+    const auto text = [](const char* name, const char* type, const char* format, QVariant value, QVariant expected,
+                         const char* columnType = "", qint64 show = 0, int role = Qt::DisplayRole) {
+        QTest::newRow(name) << type << format << columnType << show << value << role << expected;
+    };
+    text("default two decimals", "Decimal", "", 3.14159, "3.14");
+    text("n4", "Decimal", "n4", 3.14159, "3.1416");
+    text("N4 in capitals", "Decimal", "N4", 3.14159, "3.1416");
+    text("n0", "Decimal", "n0", 2.4, "2");
+    text("n0 rounds half away", "Decimal", "n0", 2.5, "3");
+    text("n20", "Decimal", "n20", 0.5, "0.50000000000000000000");
+    text("n21 gives two", "Decimal", "n21", 1.0, "1.00");
+    text("n04 gives two", "Decimal", "n04", 1.0, "1.00");
+    text("other format gives two", "Decimal", "#,##0.000", 1.0, "1.00");
+    text("seven digits grouped", "Decimal", "", 1234567.891, "1,234,567.89");
+    text("negative grouped", "Decimal", "", -1234567.0, "-1,234,567.00");
+    text("number in text", "Decimal", "", "42.5", "42.50");
+    text("not a number shows raw", "Decimal", "", "n/a", "n/a");
+    text("unit column scaled by show factor", "Decimal", "", 25000, "2.50", "BandedGridColumnWithUnit", 10000);
+    text("unit column in any case", "Decimal", "", 25000, "2.50", "bandedgridcolumnwithunit", 10000);
+    text("unit column with show factor 0", "Decimal", "", 25000, "25,000.00", "BandedGridColumnWithUnit", 0);
+    text("plain column not scaled", "Decimal", "", 25000, "25,000.00", "HyperLinkEdit", 10000);
+    text("invalid", "Decimal", "", QVariant(), QVariant());
+    text("json null", "Decimal", "", QVariant::fromValue(nullptr), QVariant());
+    text("string trimmed", "String", "", "  abc \t", "abc");
+    text("any type holding string", "NVarString", "", " 12 ", "12");
+    text("string of a number", "string", "", 12.5, "12.5");
+    text("datetime default format", "DateTime", "", qint64(1577923200000), "2020-01-02");
+    text("datetime with format", "datetime", "yyyy/MM/dd hh:mm", qint64(1577923260000), "2020/01/02 00:01");
+    text("datetime of 0 is the epoch", "DateTime", "", 0, "1970-01-01");
+    text("datetime from text", "DateTime", "", "1577923200000", "2020-01-02");
+    text("other type as it is", "Int32", "", 7, 7);
+    text("string invalid", "String", "", QVariant(), QVariant());
+    // The tooltip shows a text in the link colour; a blank one has none.
+    text("tooltip", "String", "", "abc", "<p style='color:#0060E3'>abc</p>", "", 0, Qt::ToolTipRole);
+    text("no tooltip of blanks", "String", "", "  ", QVariant(), "", 0, Qt::ToolTipRole);
+    // What the grid sorts by.
+    const int sort = TFSubjectTableModel::SortValueRole;
+    text("sort: decimal", "Decimal", "", "12.5", 12.5, "", 0, sort);
+    text("sort: datetime", "DATETIME", "", qint64(1000), 1000.0, "", 0, sort);
+    text("sort: string cut to ten", "String", "", "abcdefghijklmn", "abcdefghij", "", 0, sort);
+    text("sort: other", "Int32", "", 5, 5, "", 0, sort);
 }
 
-void tst_TFSubjectTableModel::otherTypes()
+void tst_TFSubjectTableModel::cellData()
 {
     QFETCH(QString, valueType);
     QFETCH(QString, format);
+    QFETCH(QString, columnType);
+    QFETCH(qint64, show);
     QFETCH(QVariant, value);
-    QFETCH(QVariant, text);
+    QFETCH(int, role);
+    QFETCH(QVariant, expected);
 
     HeaderFieldInfo info = column("X", valueType);
     info.formatString = format;
+    info.columnType = columnType;
+    info.showUnitFactor = show;
+    info.prevUnitFactor = 1;
+    info.unitCategory = 1;
     Table table({ info });
     table.setRows({ { value } });
-    QCOMPARE(table.data(0, 0, Qt::DisplayRole), text);
+    QCOMPARE(table.data(0, 0, role), expected);
 }
 
 void tst_TFSubjectTableModel::unitChoice_data()
@@ -225,14 +219,6 @@ void tst_TFSubjectTableModel::unitChoice()
         table.model.setUnit(exponent, category);
     QCOMPARE(table.data(0, 0, Qt::DisplayRole).toString(), yuan);
     QCOMPARE(table.data(0, 1, Qt::DisplayRole).toString(), shares);
-}
-
-void tst_TFSubjectTableModel::tooltip()
-{
-    Table table({ column("X", "String") });
-    table.setRows({ { "abc" }, { "  " } });
-    QCOMPARE(table.data(0, 0, Qt::ToolTipRole), QVariant("<p style='color:#0060E3'>abc</p>"));
-    QVERIFY(!table.data(1, 0, Qt::ToolTipRole).isValid());
 }
 
 void tst_TFSubjectTableModel::alignment_data()
@@ -296,7 +282,6 @@ void tst_TFSubjectTableModel::textColor()
     QFETCH(QString, expression);
     QFETCH(QVariant, color);
 
-    emit TFCore::instance()->signalSkinChanged(QStringLiteral("white"));
     HeaderFieldInfo a = column("A", "Decimal");
     a.cellStyleExpression = expression;
     Table table({ a, column("B", "String"), column("C", "String") });
@@ -314,7 +299,6 @@ void tst_TFSubjectTableModel::textColor()
 
 void tst_TFSubjectTableModel::colorFollowsRowsAndSkin()
 {
-    emit TFCore::instance()->signalSkinChanged(QStringLiteral("white"));
     HeaderFieldInfo a = column("A", "Decimal");
     a.cellStyleExpression = QStringLiteral("$skin == 'black' ? ($A > 0 ? 'yellow' : 'cyan') : ($A > 0 ? 'red' : 'green')");
     Table table({ a, column("B", "String") });
@@ -338,7 +322,6 @@ void tst_TFSubjectTableModel::colorFollowsRowsAndSkin()
     QCOMPARE(other.data(0, 0, Qt::ForegroundRole).value<QColor>(), QColor("red"));
     QCOMPARE(table.data(0, 0, Qt::ForegroundRole).value<QColor>(), QColor("green"));
     QCOMPARE(table.data(1, 0, Qt::ForegroundRole).value<QColor>(), QColor("red"));
-    emit TFCore::instance()->signalSkinChanged(QStringLiteral("white"));
 }
 
 void tst_TFSubjectTableModel::colorOfExpressionsWithState()
@@ -377,30 +360,6 @@ void tst_TFSubjectTableModel::colorPublishesAllButTheLastCell()
     QCOMPARE(longer.data(0, 0, Qt::ForegroundRole).value<QColor>(), QColor("green"));
     // And from then on the engine holds it, also for the short row.
     QCOMPARE(table.data(0, 0, Qt::ForegroundRole).value<QColor>(), QColor("green"));
-}
-
-void tst_TFSubjectTableModel::sortValue_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("valueType");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QVariant>("sortValue");
-
-    QTest::newRow("decimal") << "X" << "Decimal" << QVariant("12.5") << QVariant(12.5);
-    QTest::newRow("datetime") << "X" << "DATETIME" << QVariant(qint64(1000)) << QVariant(1000.0);
-    QTest::newRow("string cut to ten") << "X" << "String" << QVariant("abcdefghijklmn") << QVariant("abcdefghij");
-    QTest::newRow("other") << "X" << "Int32" << QVariant(5) << QVariant(5);
-}
-
-void tst_TFSubjectTableModel::sortValue()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, valueType);
-    QFETCH(QVariant, value);
-    QFETCH(QVariant, sortValue);
-    Table table({ column(field, valueType) });
-    table.setRows({ { value } });
-    QCOMPARE(table.data(0, 0, TFSubjectTableModel::SortValueRole), sortValue);
 }
 
 void tst_TFSubjectTableModel::captionFollowsUnitChange()
