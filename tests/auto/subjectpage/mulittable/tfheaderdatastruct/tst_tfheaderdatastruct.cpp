@@ -39,7 +39,6 @@ class tst_TFHeaderDataStruct : public QObject
 {
     Q_OBJECT
 private slots:
-    void rootOnly();
     void shapes_data();
     void shapes();
     void hiddenRecordsAndGroupNode();
@@ -48,25 +47,12 @@ private slots:
     void bandOverridesLeaves();
     void updateUnit_data();
     void updateUnit();
-    void updateUnitNeverStacks();
+    void unitsThroughTheTree();
     void leavesCacheBuiltBottomUp();
     void leafRecordsAreCopies();
-    void findFieldAndFirstUnit();
     void showBands();
     void rebuildReplacesChildren();
 };
-
-void tst_TFHeaderDataStruct::rootOnly()
-{
-    TFTreeStruct root(QStringLiteral("root"));
-    QCOMPARE(root.depth(), 1);
-    QVERIFY(root.leaves().isEmpty());
-    QVERIFY(root.nodesAtLevel(1).isEmpty());
-    QVERIFY(!root.hasChildren());
-    QCOMPARE(root.displayCaption(), QStringLiteral("root"));
-    QVERIFY(root.leafCaptions().isEmpty());
-    QVERIFY(root.firstUnit().isEmpty());
-}
 
 void tst_TFHeaderDataStruct::shapes_data()
 {
@@ -75,6 +61,7 @@ void tst_TFHeaderDataStruct::shapes_data()
     QTest::addColumn<QStringList>("leaves");
     QTest::addColumn<QStringList>("levelOne");
 
+    QTest::newRow("nothing: the root alone") << QList<HeaderFieldInfo>{} << 1 << QStringList{} << QStringList{};
     QTest::newRow("flat three") << QList<HeaderFieldInfo>{ field("A"), field("B"), field("C") }
                                 << 2 << QStringList{ "A", "B", "C" } << QStringList{ "A", "B", "C" };
     QTest::newRow("owner band 0 is top level")
@@ -105,6 +92,7 @@ void tst_TFHeaderDataStruct::shapes()
     TFTreeStruct root(QString{});
     buildHeaderTree(&root, fields, false, QString());
     QCOMPARE(root.depth(), depth);
+    QCOMPARE(root.hasChildren(), depth > 1);
     QCOMPARE(fieldNames(root.leaves()), leaves);
     QCOMPARE(root.leafCaptions(), leaves);
     QCOMPARE(fieldNames(root.nodesAtLevel(1)), levelOne);
@@ -224,17 +212,24 @@ void tst_TFHeaderDataStruct::updateUnit()
     QCOMPARE(x->info().caption, QStringLiteral("X"));
 }
 
-void tst_TFHeaderDataStruct::updateUnitNeverStacks()
+void tst_TFHeaderDataStruct::unitsThroughTheTree()
 {
     TFTreeStruct root(QString{});
     buildHeaderTree(&root,
-                    { unitField("B", QString(), "Band", "元", 1, 1),
-                      unitField("X", "B", "BandedGridColumnWithUnit", "元", 1, 3) },
+                    { unitField("B", QString(), "Band", "元", 1, 1), field("X", "B"),
+                      unitField("Y", "B", "BandedGridColumnWithUnit", "万股", 2, 1),
+                      unitField("Z", "B", "BandedGridColumnWithUnit", "元", 1, 3) },
                     false, QString());
+    QCOMPARE(root.findField("Y")->info().showUnit, QStringLiteral("万股"));
+    QVERIFY(!root.findField("nothing"));
+    QCOMPARE(root.firstUnit(), QStringLiteral("元"));   // the band's own, before its columns'
+    QCOMPARE(root.findField("Y")->firstUnit(), QStringLiteral("万股"));
+    QCOMPARE(root.findField("X")->firstUnit(), QString());
+    // A second change of unit replaces the first, never stacks on it.
     root.updateUnit(QStringLiteral("万元"), 1);
     root.updateUnit(QStringLiteral("亿元"), 1);
     QCOMPARE(root.children().first()->displayCaption(), QStringLiteral("B(亿元)"));
-    QCOMPARE(root.leafCaptions(), QStringList{ "X(亿元)" });
+    QCOMPARE(root.leafCaptions(), (QStringList{ "X", "Y(万股)", "Z(亿元)" }));
     QCOMPARE(root.firstUnit(), QStringLiteral("亿元"));
 }
 
@@ -264,19 +259,6 @@ void tst_TFHeaderDataStruct::leafRecordsAreCopies()
     records.first()->fieldName = QStringLiteral("changed");
     QCOMPARE(root.leaves().first()->info().fieldName, QStringLiteral("A"));
     qDeleteAll(records);
-}
-
-void tst_TFHeaderDataStruct::findFieldAndFirstUnit()
-{
-    TFTreeStruct root(QString{});
-    buildHeaderTree(&root,
-                    { field("B"), field("X", "B"),
-                      unitField("Y", "B", "BandedGridColumnWithUnit", "万股", 2, 1) },
-                    false, QString());
-    QCOMPARE(root.findField("Y")->info().showUnit, QStringLiteral("万股"));
-    QVERIFY(!root.findField("nothing"));
-    QCOMPARE(root.firstUnit(), QStringLiteral("万股"));
-    QCOMPARE(root.findField("X")->firstUnit(), QString());
 }
 
 void tst_TFHeaderDataStruct::showBands()
