@@ -36,45 +36,26 @@ HeaderFieldInfo field(const QString &name, const QString &owner = QStringLiteral
     return info;
 }
 
-// Trees are written as "name/owner" lists; a node is a band when another
-// names it as its owner. Built bottom-up, as the tree expects.
-TFTreeStruct *node(const HeaderFieldInfo &info, const QList<TFTreeStruct *> &children = {})
-{
-    auto *n = new TFTreeStruct(info);
-    for (TFTreeStruct *child : children)
-        n->addChild(child);
-    return n;
-}
-
-// depth 2: three plain columns
-TFTreeStruct *flatTree()
+// A tree written as "NAME/OWNER/COLUMNTYPE ..." (owner "0" by default), a
+// band named before its columns.
+TFTreeStruct *tree(const QString &spec)
 {
     auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("A")));
-    root->addChild(node(field("B")));
-    root->addChild(node(field("C")));
+    for (const QString &token : spec.split(QLatin1Char(' '))) {
+        const QStringList parts = token.split(QLatin1Char('/'));
+        const QString owner = parts.value(1, QStringLiteral("0"));
+        TFTreeStruct *parent = owner == QLatin1String("0") ? root : root->findField(owner);
+        parent->addChild(new TFTreeStruct(
+            field(parts.at(0), owner, parts.value(2, QStringLiteral("BandedGridColumn")))));
+    }
     return root;
 }
 
-// depth 3: band Q over A and B, then a plain C
-TFTreeStruct *bandedTree()
-{
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("Q", "0", "Band"), {node(field("A", "Q")), node(field("B", "Q"))}));
-    root->addChild(node(field("C")));
-    return root;
-}
-
-// depth 4: band P over (band Q over A, B) and C; then a plain D
-TFTreeStruct *deepTree()
-{
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("P", "0", "Band"),
-                        {node(field("Q", "P", "Band"), {node(field("A", "Q")), node(field("B", "Q"))}),
-                         node(field("C", "P"))}));
-    root->addChild(node(field("D")));
-    return root;
-}
+TFTreeStruct *flatTree() { return tree(QStringLiteral("A B C")); }
+// band Q over A and B, then a plain C
+TFTreeStruct *bandedTree() { return tree(QStringLiteral("Q/0/Band A/Q B/Q C")); }
+// band P over (band Q over A, B) and C; then a plain D
+TFTreeStruct *deepTree() { return tree(QStringLiteral("P/0/Band Q/P/Band A/Q B/Q C/P D")); }
 
 RowData rowOf(const QList<TFTreeStruct *> &leaves, int row, const QVariantMap &extra = {})
 {
@@ -219,11 +200,7 @@ void tst_TFSujectTableView::columnWidth()
 
 void tst_TFSujectTableView::editors()
 {
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("A")));
-    root->addChild(node(field("L", "0", "hyperlinkedit")));
-    root->addChild(node(field("M", "0", "MEMOEXEDIT")));
-    Fixture f(root);
+    Fixture f(tree("A L/0/hyperlinkedit M/0/MEMOEXEDIT"));
     BandGrid::TableView *view = f.view.view();
     QCOMPARE(view->column(0)->editorKind(), BandGrid::EditorKind::Text);
     QCOMPARE(view->column(0)->buttonCount(), 0);
@@ -384,10 +361,7 @@ void tst_TFSujectTableView::linkColours()
     const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
     QCOMPARE(link, QColor("#aa0011"));
 
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("A")));
-    root->addChild(node(field("L", "0", "HyperLinkEdit")));
-    Fixture f(root);
+    Fixture f(tree("A L/0/HyperLinkEdit"));
     BandGrid::TableView *view = f.view.view();
     QCOMPARE(view->palette().color(QPalette::Link), link);
     QCOMPARE(view->palette().color(QPalette::LinkVisited), visited);
@@ -407,10 +381,7 @@ void tst_TFSujectTableView::linkColoursUnderAStyleSheet()
     page.setStyleSheet(QStringLiteral("QWidget { color: #1f2a37; } QTableView { background-color: #ffffff;"
                                       " selection-background-color: #cfe3f7; selection-color: #102030; }"));
     auto *layout = new QVBoxLayout(&page);
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("A")));
-    root->addChild(node(field("L", "0", "HyperLinkEdit")));
-    std::unique_ptr<TFTreeStruct> header(root);
+    std::unique_ptr<TFTreeStruct> header(tree("A L/0/HyperLinkEdit"));
     TFSubjectTableModel model;
     model.setHeader(header.get());
     model.setRows({rowOf(header->leaves(), 0), rowOf(header->leaves(), 1)});
@@ -515,11 +486,8 @@ void tst_TFSujectTableView::editorLinkActivated()
     QFETCH(QString, url);
     QFETCH(QString, expected);
 
-    auto *root = new TFTreeStruct(QString());
-    HeaderFieldInfo link = field("L", "0", "HyperLinkEdit");
-    link.url = url;
-    root->addChild(node(field("A")));
-    root->addChild(node(link));
+    TFTreeStruct *root = tree("A L/0/HyperLinkEdit");
+    root->findField("L")->info().url = url;
     Fixture f(root, 3, QVariantMap{{"SECU_ID", 77}});
 
     QSignalSpy spy(&f.view, &TFSujectTableView::linkActivated);
@@ -557,10 +525,7 @@ void tst_TFSujectTableView::headerCaptionsFollowTree()
 
 void tst_TFSujectTableView::memoButtonShowsTheCell()
 {
-    auto *root = new TFTreeStruct(QString());
-    root->addChild(node(field("LONGNAME")));
-    root->addChild(node(field("MEMO", "0", "MemoExEdit")));
-    Fixture f(root);
+    Fixture f(tree("LONGNAME MEMO/0/MemoExEdit"));
     BandGrid::Column *memo = f.view.view()->column(1);
     QCOMPARE(memo->buttonCount(), 1);
 
