@@ -149,8 +149,6 @@ void tst_ConfigTables::read_data()
            R"([{"ObjShowName":"9007199254740993"},{"ObjShowName":"-5"},{"ObjShowName":"0"},{"ObjShowName":"个股"},
                {"ObjShowName":"12ab"},{"ObjShowName":"0x10"},{"ObjShowName":""},{"ObjShowName":1002},{}])",
            "objVwId=9007199254740993 | objVwId=-5 | () | () | () | () | () | () | ()");
-    addRow("childView: empty array", "childView", "[]", "");
-    addRow("childView: object text", "childView", R"({"ObjShowName":"1"})", "");
 
     addRow("Summary: all three figures", "Summary",
            R"([{"Item":"rcount","value":1234},{"Item":"pindex","value":3},{"Item":"psize","value":50}])",
@@ -238,9 +236,6 @@ void tst_ConfigTables::read_data()
     addRow("View_Config: first element no object", "View_Config", R"(["x",[1],{"obj_vw_id":42}])", "viewId=42");
     addRow("View_Config: view id as text", "View_Config", R"([{"obj_vw_id":"1001"}])", "viewId=0");
     addRow("View_Config: view id with a fraction", "View_Config", R"([{"obj_vw_id":10.5}])", "viewId=0");
-    addRow("View_Config: sector numbers", "View_Config",
-           R"([{"prop_name":"SectorNum","prop_val":"1001001"},{"prop_name":"RootSectorNum","prop_val":"1001"}])",
-           "viewId=0;sectorNum=1001001;rootSectorNum=1001");
     addRow("View_Config: sector number any case, first wins", "View_Config",
            R"([{"prop_name":"SECTORNUM","prop_val":"7"},{"prop_name":"sectornum","prop_val":"8"},
                {"prop_name":"RootSectorNum","prop_val":"1"},{"prop_name":"RootSectorNum","prop_val":"2"}])",
@@ -249,8 +244,6 @@ void tst_ConfigTables::read_data()
            R"([{"prop_name":"rootsectornum","prop_val":"1"},{"prop_name":"SectorNumX","prop_val":"1"},
                {"prop_name":"RootSectorNums","prop_val":"2"},{"prop_name":"SectorNum","prop_val":1001}])", "viewId=0");
     addRow("View_Config: empty order", "View_Config", R"([{"prop_name":"Order","prop_val":""}])", "viewId=0");
-    addRow("View_Config: one descending", "View_Config", R"([{"prop_name":"Order","prop_val":"TRD_AMT desc"}])",
-           R"(viewId=0;orderProperty=order:{"TRD_AMT":-1})");
     addRow("View_Config: two terms", "View_Config", R"([{"prop_name":"order","prop_val":"A asc,B DESC"}])",
            R"(viewId=0;orderProperty=order:{"A":1,"B":-1})");
     addRow("View_Config: DESC any case, anything else ascends", "View_Config",
