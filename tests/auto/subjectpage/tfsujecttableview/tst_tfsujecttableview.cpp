@@ -9,7 +9,6 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QLabel>
-#include <QScopeGuard>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QSignalSpy>
@@ -107,6 +106,14 @@ class tst_TFSujectTableView : public QObject
 
 private slots:
     void initTestCase() { TFTableModelData::registerRowDataType(); }
+    void init() { m_skin = TFCore::instance()->getCurrentSkinId(); }
+    // The host's skin as it was, whatever a test left.
+    void cleanup()
+    {
+        TFCore::instance()->setSkinsRoot(QString());
+        if (TFCore::instance()->getCurrentSkinId() != m_skin)
+            TFCore::instance()->setCurrentSkin(m_skin);
+    }
 
     void layoutByDepth_data();
     void layoutByDepth();
@@ -134,6 +141,9 @@ private slots:
     void verticalGridHeader_data();
     void verticalGridHeader();
     void wheelFilter();
+
+private:
+    QString m_skin;
 };
 
 void tst_TFSujectTableView::layoutByDepth_data()
@@ -355,7 +365,6 @@ void tst_TFSujectTableView::linkColours()
     ini.write("[Colors]\nlink=#aa0011\nlinkVisited=#11aa00\n");
     ini.close();
     TFCore::instance()->setSkinsRoot(skins.path());
-    const auto restore = qScopeGuard([] { TFCore::instance()->setSkinsRoot(QString()); });
     QVERIFY(TFCore::instance()->setCurrentSkin(QStringLiteral("white")));
     const QColor link = TFGlobalCss::getTipsColorByIndex(1);
     const QColor visited = TFGlobalCss::getTipsColorByIndex(2);
