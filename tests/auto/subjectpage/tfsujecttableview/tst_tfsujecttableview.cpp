@@ -122,8 +122,8 @@ private slots:
     void editors();
     void hiddenLeaf_data();
     void hiddenLeaf();
-    void frozenCount_data();
-    void frozenCount();
+    void frozenColumns_data();
+    void frozenColumns();
     void groupColumn();
     void cellAlignment_data();
     void cellAlignment();
@@ -138,8 +138,6 @@ private slots:
     void focusRowEmitsClicked();
     void headerCaptionsFollowTree();
     void memoButtonShowsTheCell();
-    void verticalGridHeader_data();
-    void verticalGridHeader();
     void wheelFilter();
 
 private:
@@ -269,33 +267,6 @@ void tst_TFSujectTableView::hiddenLeaf()
     int count = -1;
     f.view.hideColumn(count);
     QCOMPARE(count, hiddenFields.size());
-}
-
-void tst_TFSujectTableView::frozenCount_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("frozen");
-
-    QTest::newRow("none") << 0 << 0;
-    QTest::newRow("negative") << -2 << 0;
-    QTest::newRow("two") << 2 << 2;
-    QTest::newRow("all columns") << 3 << 3;
-    QTest::newRow("more than the columns does nothing") << 4 << 0;
-}
-
-void tst_TFSujectTableView::frozenCount()
-{
-    QFETCH(int, count);
-    QFETCH(int, frozen);
-    Fixture f(flatTree());
-    f.view.setFrozenCount(count);
-    int fixed = 0;
-    for (int c = 0; c < f.view.view()->columnCount(); ++c) {
-        if (f.view.view()->column(c)->fixedKind() == BandGrid::FixedKind::Left)
-            ++fixed;
-    }
-    QCOMPARE(fixed, frozen);
-    QCOMPARE(f.view.view()->frozenColumnCount(), frozen);
 }
 
 void tst_TFSujectTableView::groupColumn()
@@ -555,43 +526,56 @@ void tst_TFSujectTableView::memoButtonShowsTheCell()
     QCOMPARE(text, QStringLiteral("MEMO2"));
 }
 
-void tst_TFSujectTableView::verticalGridHeader_data()
+void tst_TFSujectTableView::frozenColumns_data()
 {
     QTest::addColumn<bool>("banded");
-    QTest::addColumn<QString>("fieldName");
-    QTest::addColumn<int>("fixedColumn");   // -1: none
-    QTest::addColumn<bool>("changed");      // the form's look and selection
+    QTest::addColumn<QString>("call");     // "count N" or "vgrid FIELD"
+    QTest::addColumn<QString>("frozen");   // the columns frozen at the left edge
+    QTest::addColumn<bool>("changed");     // the form's look and selection (vgrid only)
 
-    QTest::newRow("empty name: nothing") << true << "" << -1 << false;
-    QTest::newRow("banded: set up again, the field's column frozen") << true << "B" << 1 << true;
-    QTest::newRow("plain: the field's column frozen") << false << "C" << 2 << true;
-    QTest::newRow("unknown field: only the row look changes") << false << "NOPE" << -1 << true;
+    QTest::newRow("count 0") << false << "count 0" << "" << false;
+    QTest::newRow("count negative") << false << "count -2" << "" << false;
+    QTest::newRow("count 2") << false << "count 2" << "0,1" << false;
+    QTest::newRow("count of all columns") << false << "count 3" << "0,1,2" << false;
+    QTest::newRow("count over the columns does nothing") << false << "count 4" << "" << false;
+    QTest::newRow("vgrid, empty name: nothing") << true << "vgrid " << "" << false;
+    QTest::newRow("vgrid, banded: set up again, the field's column frozen") << true << "vgrid B" << "1" << true;
+    QTest::newRow("vgrid, plain: the field's column frozen") << false << "vgrid C" << "2" << true;
+    QTest::newRow("vgrid, unknown field: only the row look changes") << false << "vgrid NOPE" << "" << true;
 }
 
-void tst_TFSujectTableView::verticalGridHeader()
+void tst_TFSujectTableView::frozenColumns()
 {
     QFETCH(bool, banded);
-    QFETCH(QString, fieldName);
-    QFETCH(int, fixedColumn);
+    QFETCH(QString, call);
+    QFETCH(QString, frozen);
     QFETCH(bool, changed);
 
     Fixture f(banded ? bandedTree() : flatTree());
     const BandGrid::TableView *before = f.view.view();
-    f.view.setVGridHeader(fieldName);
+    const QString argument = call.section(QLatin1Char(' '), 1);
+    const bool vgrid = call.startsWith(QLatin1String("vgrid"));
+    if (vgrid)
+        f.view.setVGridHeader(argument);
+    else
+        f.view.setFrozenCount(argument.toInt());
     BandGrid::TableView *view = f.view.view();
     QCOMPARE(view != before, banded && changed);
+    QStringList fixed;
     for (int c = 0; c < view->columnCount(); ++c) {
-        QCOMPARE(view->column(c)->fixedKind() == BandGrid::FixedKind::Left, c == fixedColumn);
+        const bool left = view->column(c)->fixedKind() == BandGrid::FixedKind::Left;
         // Frozen where it stands: shown at the left edge, over the scrolling part.
-        QCOMPARE(view->isColumnFrozen(c), c == fixedColumn);
+        QCOMPARE(view->isColumnFrozen(c), left);
+        if (left)
+            fixed << QString::number(c);
     }
-    if (fixedColumn >= 0) {
-        QCOMPARE(view->frozenColumnCount(), 1);
-        QCOMPARE(view->horizontalHeader()->visualIndex(fixedColumn), 0);
-    }
+    QCOMPARE(fixed.join(','), frozen);
+    QCOMPARE(view->frozenColumnCount(), fixed.size());
+    if (vgrid && !frozen.isEmpty())
+        QCOMPARE(view->horizontalHeader()->visualIndex(frozen.toInt()), 0);
     QCOMPARE(view->alternatingRowColors(), !changed);
     QCOMPARE(view->selectionBehavior() == QAbstractItemView::SelectItems, changed);
-    QCOMPARE(view->options()->gridLines() == BandGrid::GridLines(BandGrid::HorizontalLines), fixedColumn >= 0);
+    QCOMPARE(view->options()->gridLines() == BandGrid::GridLines(BandGrid::HorizontalLines), vgrid && !frozen.isEmpty());
 }
 
 void tst_TFSujectTableView::wheelFilter()
