@@ -37,10 +37,10 @@ HeaderFieldInfo field(const QString &name, const QString &owner = QStringLiteral
 
 // A tree written as "NAME/OWNER/COLUMNTYPE ..." (owner "0" by default), a
 // band named before its columns.
-TFTreeStruct *tree(const QString &spec)
+TFTreeStruct *tree(const QString &layout)
 {
     auto *root = new TFTreeStruct(QString());
-    for (const QString &token : spec.split(QLatin1Char(' '))) {
+    for (const QString &token : layout.split(QLatin1Char(' '))) {
         const QStringList parts = token.split(QLatin1Char('/'));
         const QString owner = parts.value(1, QStringLiteral("0"));
         TFTreeStruct *parent = owner == QLatin1String("0") ? root : root->findField(owner);

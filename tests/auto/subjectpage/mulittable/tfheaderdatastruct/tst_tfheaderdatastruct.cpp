@@ -90,10 +90,10 @@ void tst_TFHeaderDataStruct::trees()
     QFETCH(QString, tree);
 
     QList<HeaderFieldInfo> records;
-    for (QString spec : fields.split(' ', Qt::SkipEmptyParts)) {
-        const bool hidden = spec.startsWith('-');
-        spec.remove(0, hidden ? 1 : 0);
-        records << field(spec.section('/', 0, 0), spec.section('/', 1), !hidden);
+    for (QString entry : fields.split(' ', Qt::SkipEmptyParts)) {
+        const bool hidden = entry.startsWith('-');
+        entry.remove(0, hidden ? 1 : 0);
+        records << field(entry.section('/', 0, 0), entry.section('/', 1), !hidden);
     }
     TFTreeStruct root(QString{});
     buildHeaderTree(&root, records, !groupField.isEmpty(), groupField);
