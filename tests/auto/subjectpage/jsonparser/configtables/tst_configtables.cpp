@@ -438,16 +438,14 @@ void tst_ConfigTables::badText_data()
     QTest::addColumn<QString>("reporter");
     QTest::addColumn<QString>("expected");
 
+    // The three tables of embedded lists share one reader: each kind once
+    // with its own name in the report, each kind of fault once.
     const QJsonArray one { QJsonObject { { "FieldName", "A" } } };
     const QJsonObject object { { "FieldName", "A" } };
-    QTest::newRow("Bands: empty text") << "Bands" << QJsonValue("") << "TFHeaderFieldConfigData" << "";
     QTest::newRow("Bands: broken text") << "Bands" << QJsonValue("[{\"FieldName\":") << "TFHeaderFieldConfigData" << "";
     QTest::newRow("Bands: scalar text") << "Bands" << QJsonValue("3") << "TFHeaderFieldConfigData" << "";
     QTest::newRow("Bands: array, not text") << "Bands" << QJsonValue(one) << "TFHeaderFieldConfigData" << "";
-    QTest::newRow("Bands: null") << "Bands" << QJsonValue() << "TFHeaderFieldConfigData" << "";
     QTest::newRow("filters: array, not text") << "filters" << QJsonValue(one) << "TFFilterJsonTable" << "";
-    QTest::newRow("filters: object, not text") << "filters" << QJsonValue(object) << "TFFilterJsonTable" << "";
-    QTest::newRow("filters: broken text") << "filters" << QJsonValue("[{\"FieldName\":\"A\"") << "TFFilterJsonTable" << "";
     QTest::newRow("filters: trailing garbage") << "filters" << QJsonValue(jsonText(one) + "x") << "TFFilterJsonTable"
                                                << "";
     QTest::newRow("ChartViewConfig: object, not text") << "ChartViewConfig" << QJsonValue(object)
@@ -459,8 +457,6 @@ void tst_ConfigTables::badText_data()
     QTest::newRow("childView: array, not text") << "childView" << QJsonValue(QJsonArray { QJsonObject {
                                                        { "ObjShowName", "1" } } })
                                                 << "TFChildViewJsonTable" << "";
-    QTest::newRow("childView: broken text") << "childView" << QJsonValue("[{\"ObjShowName\":\"1\"}")
-                                            << "TFChildViewJsonTable" << "";
     QTest::newRow("Summary: column list not text")
         << "Summary" << QJsonValue(QJsonArray { QJsonObject { { "Item", "GridColumns" }, { "value", one } } })
         << "TFHeaderFieldConfigData" << "items=GridColumns:null;columns[]";
