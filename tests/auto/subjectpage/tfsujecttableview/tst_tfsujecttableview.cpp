@@ -120,8 +120,6 @@ private slots:
     void columnWidth_data();
     void columnWidth();
     void editors();
-    void hiddenLeaf_data();
-    void hiddenLeaf();
     void frozenColumns_data();
     void frozenColumns();
     void groupColumn();
@@ -145,45 +143,68 @@ private:
 void tst_TFSujectTableView::layoutByDepth_data()
 {
     QTest::addColumn<int>("tree");
+    QTest::addColumn<QString>("hide");          // leaves hidden before the model is set
     QTest::addColumn<int>("depth");
     QTest::addColumn<bool>("banded");
-    QTest::addColumn<QStringList>("bands");        // fieldName/caption/parent fieldName
-    QTest::addColumn<QStringList>("columnBands");  // the band each column stands under
+    QTest::addColumn<QStringList>("bands");        // fieldName/caption/parent fieldName, "!" when hidden
+    QTest::addColumn<QStringList>("columnBands");  // the band each column stands under, "!" when hidden
 
-    QTest::newRow("depth 2: plain, no bands") << 0 << 2 << false << QStringList() << QStringList{"-", "-", "-"};
+    QTest::newRow("depth 2: plain, no bands") << 0 << "" << 2 << false << QStringList() << QStringList{"-", "-", "-"};
     QTest::newRow("depth 3: a band and an empty one over the plain column")
-        << 1 << 3 << true << QStringList{"Q/Q/-", "C//-"} << QStringList{"Q", "Q", "C"};
+        << 1 << "" << 3 << true << QStringList{"Q/Q/-", "C//-"} << QStringList{"Q", "Q", "C"};
     // A leaf binds to the band its owner names; only a top-level leaf
     // stands under the empty band made for it.
+    const QStringList deepBands{"P/P/-", "D//-", "Q/Q/P", "C//P"};
     QTest::newRow("depth 4: nested bands, empty bands over higher leaves")
-        << 2 << 4 << true << QStringList{"P/P/-", "D//-", "Q/Q/P", "C//P"} << QStringList{"Q", "Q", "P", "D"};
+        << 2 << "" << 4 << true << deepBands << QStringList{"Q", "Q", "P", "D"};
+    // A hidden leaf beside visible leaves: only the column goes; a top-level
+    // leaf's own band goes with it; a band keeps its nested band's columns;
+    // a nested band goes with all its leaves.
+    QTest::newRow("hidden: leaf beside visible leaves") << 2 << "A" << 4 << true << deepBands
+                                                        << QStringList{"Q!", "Q", "P", "D"};
+    QTest::newRow("hidden: top-level leaf with its own band") << 2 << "D" << 4 << true
+        << QStringList{"P/P/-", "D//-!", "Q/Q/P", "C//P"} << QStringList{"Q", "Q", "P", "D!"};
+    QTest::newRow("hidden: leaf beside a nested band") << 2 << "C" << 4 << true << deepBands
+                                                       << QStringList{"Q", "Q", "P!", "D"};
+    QTest::newRow("hidden: all leaves of a nested band") << 2 << "A,B" << 4 << true
+        << QStringList{"P/P/-", "D//-", "Q/Q/P!", "C//P"} << QStringList{"Q!", "Q!", "P", "D"};
 }
 
 void tst_TFSujectTableView::layoutByDepth()
 {
     QFETCH(int, tree);
+    QFETCH(QString, hide);
     QFETCH(int, depth);
     QFETCH(bool, banded);
     QFETCH(QStringList, bands);
     QFETCH(QStringList, columnBands);
 
-    Fixture f(tree == 0 ? flatTree() : tree == 1 ? bandedTree() : deepTree());
+    TFTreeStruct *root = tree == 0 ? flatTree() : tree == 1 ? bandedTree() : deepTree();
+    const QStringList hidden = hide.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (const QString &name : hidden)
+        root->findField(name)->info().visible = false;
+    Fixture f(root);
     QCOMPARE(f.view.depth(), depth);
     QCOMPARE(f.view.grid()->viewType() == BandGrid::ViewType::BandedTable, banded);
     QCOMPARE(f.view.grid()->bandedView() != nullptr, banded);
-
+    const QString gone = QStringLiteral("!");
     QStringList madeBands;
     for (int b = 0; b < f.view.view()->bandCount(); ++b) {
         const BandGrid::Band *band = f.view.view()->band(b);
-        madeBands << QStringLiteral("%1/%2/%3").arg(bandName(band), band->caption(), bandName(band->parentBand()));
+        madeBands << QStringLiteral("%1/%2/%3").arg(bandName(band), band->caption(), bandName(band->parentBand()))
+                         + (band->isVisible() ? QString() : gone);
         QCOMPARE(int(band->textAlignment()), int(Qt::AlignCenter));
     }
     QCOMPARE(madeBands, bands);
-
     QStringList madeColumnBands;
-    for (int c = 0; c < f.view.view()->columnCount(); ++c)
-        madeColumnBands << bandName(f.view.view()->column(c)->parentBand());
+    for (int c = 0; c < f.view.view()->columnCount(); ++c) {
+        const BandGrid::Column *column = f.view.view()->column(c);
+        madeColumnBands << bandName(column->parentBand()) + (column->isVisible() ? QString() : gone);
+    }
     QCOMPARE(madeColumnBands, columnBands);
+    int count = -1;
+    f.view.hideColumn(count);
+    QCOMPARE(count, hidden.size());
 }
 
 void tst_TFSujectTableView::columnWidth_data()
@@ -233,53 +254,6 @@ void tst_TFSujectTableView::editors()
     emit view->column(2)->buttonClicked(2, 2, 0);
     QCOMPARE(title, QStringLiteral("LONGNA-MEMO"));
     QCOMPARE(text, QStringLiteral("MEMO2"));
-}
-
-void tst_TFSujectTableView::hiddenLeaf_data()
-{
-    QTest::addColumn<QString>("hiddenField");
-    QTest::addColumn<QStringList>("hiddenColumns");
-    QTest::addColumn<QStringList>("hiddenBands");
-
-    // A leaf with visible siblings under its band: only the column goes.
-    QTest::newRow("leaf beside visible leaves") << "A" << QStringList{"A"} << QStringList();
-    // A top-level leaf stands under an empty band of its own, which goes too.
-    QTest::newRow("top-level leaf with its own band") << "D" << QStringList{"D"} << QStringList{"D"};
-    // A leaf beside a nested band: the band keeps its nested band's columns.
-    QTest::newRow("leaf beside a nested band") << "C" << QStringList{"C"} << QStringList();
-    // Both leaves of the nested band: it goes, the band above keeps C.
-    QTest::newRow("all leaves of a nested band") << "A,B" << QStringList{"A", "B"} << QStringList{"Q"};
-}
-
-void tst_TFSujectTableView::hiddenLeaf()
-{
-    QFETCH(QString, hiddenField);
-    QFETCH(QStringList, hiddenColumns);
-    QFETCH(QStringList, hiddenBands);
-
-    TFTreeStruct *root = deepTree();
-    const QStringList hiddenFields = hiddenField.split(QLatin1Char(','));
-    for (const QString &name : hiddenFields)
-        root->findField(name)->info().visible = false;
-    Fixture f(root);
-    BandGrid::TableView *view = f.view.view();
-
-    QStringList columns;
-    for (int c = 0; c < view->columnCount(); ++c) {
-        if (!view->column(c)->isVisible())
-            columns << f.header->leaves().at(c)->info().fieldName;
-    }
-    QCOMPARE(columns, hiddenColumns);
-    QStringList bands;
-    for (int b = 0; b < view->bandCount(); ++b) {
-        if (!view->band(b)->isVisible())
-            bands << bandName(view->band(b));
-    }
-    QCOMPARE(bands, hiddenBands);
-
-    int count = -1;
-    f.view.hideColumn(count);
-    QCOMPARE(count, hiddenFields.size());
 }
 
 void tst_TFSujectTableView::groupColumn()
