@@ -122,7 +122,6 @@ private slots:
     void editors();
     void frozenColumns_data();
     void frozenColumns();
-    void groupColumn();
     void cellAlignment_data();
     void cellAlignment();
     void linkColours();
@@ -256,22 +255,6 @@ void tst_TFSujectTableView::editors()
     QCOMPARE(text, QStringLiteral("MEMO2"));
 }
 
-void tst_TFSujectTableView::groupColumn()
-{
-    Fixture f(flatTree());
-    f.view.setGroupColumn(-1);
-    QCOMPARE(f.view.view()->groupColumn(), 2);
-    f.view.expandAll();
-    QCOMPARE(f.view.view()->groupCount(), 3);
-    QVERIFY(f.view.view()->isGroupExpanded(0));
-    QCOMPARE(f.view.grid()->theme().groupText, QColor("#0060E3"));
-    QCOMPARE(f.view.grid()->theme().groupBase, QColor("#F0F0F0"));
-    QCOMPARE(f.view.grid()->theme().groupLine, QColor("#CCCCCC"));
-
-    f.view.setGroupColumn(99);
-    QCOMPARE(f.view.view()->groupColumn(), 2);
-}
-
 // What the delegate paints a cell with, as the view hands it over.
 static QStyleOptionViewItem cellOption(BandGrid::TableView *view, int row, int column)
 {
@@ -364,9 +347,21 @@ void tst_TFSujectTableView::linkColours()
 
 void tst_TFSujectTableView::groupRowClickIsNoRowClick()
 {
+    // Grouped by the last column when the one asked for does not exist; blue
+    // captions on a light grey band with a grey rule.
+    for (int asked : {99, -1}) {
+        Fixture g(flatTree());
+        g.view.setGroupColumn(asked);
+        QCOMPARE(g.view.view()->groupColumn(), 2);
+    }
     Fixture f(flatTree());
     f.view.setGroupColumn(-1);
     f.view.expandAll();
+    QCOMPARE(f.view.view()->groupCount(), 3);
+    QVERIFY(f.view.view()->isGroupExpanded(0));
+    QCOMPARE(f.view.grid()->theme().groupText, QColor("#0060E3"));
+    QCOMPARE(f.view.grid()->theme().groupBase, QColor("#F0F0F0"));
+    QCOMPARE(f.view.grid()->theme().groupLine, QColor("#CCCCCC"));
     f.view.resize(400, 300);
     f.view.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.view));
