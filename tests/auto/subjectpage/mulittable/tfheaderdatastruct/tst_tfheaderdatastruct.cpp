@@ -33,116 +33,82 @@ QStringList fieldNames(const QList<TFTreeStruct*>& nodes)
     return names;
 }
 
+// A tree as "BAND[...]" for a band, the name for a leaf.
+QString nodes(const QList<TFTreeStruct*>& list)
+{
+    QStringList texts;
+    for (const TFTreeStruct* node : list)
+        texts << (node->hasChildren() ? node->info().fieldName + '[' + nodes(node->children()) + ']' : node->info().fieldName);
+    return texts.join(' ');
+}
+
 } // namespace
 
 class tst_TFHeaderDataStruct : public QObject
 {
     Q_OBJECT
 private slots:
-    void rootOnly();
-    void shapes_data();
-    void shapes();
-    void hiddenRecordsAndGroupNode();
-    void ownerBandLinks();
+    void trees_data();
+    void trees();
     void bandOverridesLeaves_data();
     void bandOverridesLeaves();
     void updateUnit_data();
     void updateUnit();
-    void updateUnitNeverStacks();
+    void unitsThroughTheTree();
     void leavesCacheBuiltBottomUp();
     void leafRecordsAreCopies();
-    void findFieldAndFirstUnit();
     void showBands();
     void rebuildReplacesChildren();
 };
 
-void tst_TFHeaderDataStruct::rootOnly()
+void tst_TFHeaderDataStruct::trees_data()
 {
-    TFTreeStruct root(QStringLiteral("root"));
-    QCOMPARE(root.depth(), 1);
-    QVERIFY(root.leaves().isEmpty());
-    QVERIFY(root.nodesAtLevel(1).isEmpty());
-    QVERIFY(!root.hasChildren());
-    QCOMPARE(root.displayCaption(), QStringLiteral("root"));
-    QVERIFY(root.leafCaptions().isEmpty());
-    QVERIFY(root.firstUnit().isEmpty());
-}
+    QTest::addColumn<QString>("fields");      // "NAME/OWNER", a leading "-" hides the record
+    QTest::addColumn<QString>("groupField");  // grouped by it when not empty
+    QTest::addColumn<QString>("tree");        // depth; nodes; level one; hidden leaf indexes
 
-void tst_TFHeaderDataStruct::shapes_data()
-{
-    QTest::addColumn<QList<HeaderFieldInfo>>("fields");
-    QTest::addColumn<int>("depth");
-    QTest::addColumn<QStringList>("leaves");
-    QTest::addColumn<QStringList>("levelOne");
-
-    QTest::newRow("flat three") << QList<HeaderFieldInfo>{ field("A"), field("B"), field("C") }
-                                << 2 << QStringList{ "A", "B", "C" } << QStringList{ "A", "B", "C" };
-    QTest::newRow("owner band 0 is top level")
-        << QList<HeaderFieldInfo>{ field("A", "0"), field("B") } << 2 << QStringList{ "A", "B" }
-        << QStringList{ "A", "B" };
-    QTest::newRow("bands two deep")
-        << QList<HeaderFieldInfo>{ field("B1"), field("B2", "B1"), field("X", "B2"), field("Y", "B1"),
-                                   field("Z") }
-        << 4 << QStringList{ "X", "Y", "Z" } << QStringList{ "B1", "Z" };
-    QTest::newRow("one band level")
-        << QList<HeaderFieldInfo>{ field("X", "B"), field("B"), field("Y", "B") }
-        << 3 << QStringList{ "X", "Y" } << QStringList{ "B" };
-    QTest::newRow("band without columns is a leaf")
-        << QList<HeaderFieldInfo>{ field("B"), field("A") } << 2 << QStringList{ "B", "A" }
-        << QStringList{ "B", "A" };
-    QTest::newRow("unknown owner has no column")
-        << QList<HeaderFieldInfo>{ field("A"), field("Q", "nowhere") } << 2 << QStringList{ "A" }
-        << QStringList{ "A" };
-}
-
-void tst_TFHeaderDataStruct::shapes()
-{
-    QFETCH(QList<HeaderFieldInfo>, fields);
-    QFETCH(int, depth);
-    QFETCH(QStringList, leaves);
-    QFETCH(QStringList, levelOne);
-
-    TFTreeStruct root(QString{});
-    buildHeaderTree(&root, fields, false, QString());
-    QCOMPARE(root.depth(), depth);
-    QCOMPARE(fieldNames(root.leaves()), leaves);
-    QCOMPARE(root.leafCaptions(), leaves);
-    QCOMPARE(fieldNames(root.nodesAtLevel(1)), levelOne);
-    for (TFTreeStruct* child : root.children())
-        QCOMPARE(child->parent(), &root);
-}
-
-void tst_TFHeaderDataStruct::hiddenRecordsAndGroupNode()
-{
+    QTest::newRow("nothing: the root alone") << "" << "" << "1; ; ; ";
+    QTest::newRow("flat three") << "A B C" << "" << "2; A B C; A B C; ";
+    QTest::newRow("owner band 0 is top level") << "A/0 B" << "" << "2; A B; A B; ";
+    QTest::newRow("bands two deep") << "B1 B2/B1 X/B2 Y/B1 Z" << "" << "4; B1[B2[X] Y] Z; B1 Z; ";
+    QTest::newRow("columns before their band") << "X/B B Y/B" << "" << "3; B[X Y]; B; ";
+    QTest::newRow("band without columns is a leaf") << "B A" << "" << "2; B A; B A; ";
+    QTest::newRow("unknown owner has no column") << "A Q/nowhere" << "" << "2; A; A; ";
     // A hidden band takes its columns along; the group leaf is hidden, at
     // the far right, and is the one hidden index.
-    const QList<HeaderFieldInfo> fields{ field("A"), field("HB", QString(), false), field("C1", "HB"),
-                                         field("H", QString(), false), field("D") };
-    TFTreeStruct root(QString{});
-    buildHeaderTree(&root, fields, true, QStringLiteral("INDU"));
-    QCOMPARE(fieldNames(root.leaves()), (QStringList{ "A", "D", "INDU" }));
-    QCOMPARE(root.hiddenLeafIndexes(), QList<int>{ 2 });
-    const TFTreeStruct* group = root.leaves().last();
-    QCOMPARE(group->displayCaption(), QStringLiteral("INDU"));
-    QCOMPARE(group->info().level, 1);
-    QVERIFY(group->info().ownerBand.isEmpty());
-
-    TFTreeStruct ungrouped(QString{});
-    buildHeaderTree(&ungrouped, fields, false, QStringLiteral("INDU"));
-    QVERIFY(ungrouped.hiddenLeafIndexes().isEmpty());
+    QTest::newRow("hidden records, grouped") << "A -HB C1/HB -H D" << "INDU" << "2; A D INDU; A D INDU; 2";
+    QTest::newRow("hidden records, not grouped") << "A -HB C1/HB -H D" << "" << "2; A D; A D; ";
+    // Names of bands that repeat, or that name themselves, still give a
+    // tree: a column hangs under the first band of its name only.
+    QTest::newRow("bands named twice or by themselves") << "B X/B B S/S L1/L2 L2/L1" << "" << "3; B[X] B; B B; ";
 }
 
-void tst_TFHeaderDataStruct::ownerBandLinks()
+void tst_TFHeaderDataStruct::trees()
 {
-    // Names of bands that repeat, or that name themselves, still give a tree:
-    // a column hangs under the first band of its name only.
-    const QList<HeaderFieldInfo> fields{ field("B"), field("X", "B"), field("B"), field("S", "S"),
-                                         field("L1", "L2"), field("L2", "L1") };
+    QFETCH(QString, fields);
+    QFETCH(QString, groupField);
+    QFETCH(QString, tree);
+
+    QList<HeaderFieldInfo> records;
+    for (QString entry : fields.split(' ', Qt::SkipEmptyParts)) {
+        const bool hidden = entry.startsWith('-');
+        entry.remove(0, hidden ? 1 : 0);
+        records << field(entry.section('/', 0, 0), entry.section('/', 1), !hidden);
+    }
     TFTreeStruct root(QString{});
-    buildHeaderTree(&root, fields, false, QString());
-    QCOMPARE(fieldNames(root.nodesAtLevel(1)), (QStringList{ "B", "B" }));
-    QCOMPARE(fieldNames(root.leaves()), (QStringList{ "X", "B" }));
-    QCOMPARE(root.leaves().first()->parent(), root.children().first());
+    buildHeaderTree(&root, records, !groupField.isEmpty(), groupField);
+    QStringList hidden;
+    for (int index : root.hiddenLeafIndexes())
+        hidden << QString::number(index);
+    QCOMPARE(QStringLiteral("%1; %2; %3; %4").arg(root.depth()).arg(nodes(root.children()))
+                 .arg(fieldNames(root.nodesAtLevel(1)).join(' '), hidden.join(',')), tree);
+    QCOMPARE(root.leafCaptions(), fieldNames(root.leaves()));
+    for (const TFTreeStruct* leaf : root.leaves())
+        QVERIFY(leaf->parent()->children().contains(const_cast<TFTreeStruct*>(leaf)));
+    if (!groupField.isEmpty()) {
+        QCOMPARE(root.leaves().last()->info().level, 1);
+        QVERIFY(root.leaves().last()->info().ownerBand.isEmpty());
+    }
 }
 
 void tst_TFHeaderDataStruct::bandOverridesLeaves_data()
@@ -224,17 +190,24 @@ void tst_TFHeaderDataStruct::updateUnit()
     QCOMPARE(x->info().caption, QStringLiteral("X"));
 }
 
-void tst_TFHeaderDataStruct::updateUnitNeverStacks()
+void tst_TFHeaderDataStruct::unitsThroughTheTree()
 {
     TFTreeStruct root(QString{});
     buildHeaderTree(&root,
-                    { unitField("B", QString(), "Band", "元", 1, 1),
-                      unitField("X", "B", "BandedGridColumnWithUnit", "元", 1, 3) },
+                    { unitField("B", QString(), "Band", "元", 1, 1), field("X", "B"),
+                      unitField("Y", "B", "BandedGridColumnWithUnit", "万股", 2, 1),
+                      unitField("Z", "B", "BandedGridColumnWithUnit", "元", 1, 3) },
                     false, QString());
+    QCOMPARE(root.findField("Y")->info().showUnit, QStringLiteral("万股"));
+    QVERIFY(!root.findField("nothing"));
+    QCOMPARE(root.firstUnit(), QStringLiteral("元"));   // the band's own, before its columns'
+    QCOMPARE(root.findField("Y")->firstUnit(), QStringLiteral("万股"));
+    QCOMPARE(root.findField("X")->firstUnit(), QString());
+    // A second change of unit replaces the first, never stacks on it.
     root.updateUnit(QStringLiteral("万元"), 1);
     root.updateUnit(QStringLiteral("亿元"), 1);
     QCOMPARE(root.children().first()->displayCaption(), QStringLiteral("B(亿元)"));
-    QCOMPARE(root.leafCaptions(), QStringList{ "X(亿元)" });
+    QCOMPARE(root.leafCaptions(), (QStringList{ "X", "Y(万股)", "Z(亿元)" }));
     QCOMPARE(root.firstUnit(), QStringLiteral("亿元"));
 }
 
@@ -264,19 +237,6 @@ void tst_TFHeaderDataStruct::leafRecordsAreCopies()
     records.first()->fieldName = QStringLiteral("changed");
     QCOMPARE(root.leaves().first()->info().fieldName, QStringLiteral("A"));
     qDeleteAll(records);
-}
-
-void tst_TFHeaderDataStruct::findFieldAndFirstUnit()
-{
-    TFTreeStruct root(QString{});
-    buildHeaderTree(&root,
-                    { field("B"), field("X", "B"),
-                      unitField("Y", "B", "BandedGridColumnWithUnit", "万股", 2, 1) },
-                    false, QString());
-    QCOMPARE(root.findField("Y")->info().showUnit, QStringLiteral("万股"));
-    QVERIFY(!root.findField("nothing"));
-    QCOMPARE(root.firstUnit(), QStringLiteral("万股"));
-    QCOMPARE(root.findField("X")->firstUnit(), QString());
 }
 
 void tst_TFHeaderDataStruct::showBands()

@@ -9,10 +9,8 @@ private slots:
     void wholeList();
     void categories_data();
     void categories();
-    void codeOfName_data();
-    void codeOfName();
-    void codeLookups_data();
-    void codeLookups();
+    void lookups_data();
+    void lookups();
 };
 
 void tst_TFHeaderUnit::wholeList()
@@ -73,50 +71,35 @@ void tst_TFHeaderUnit::categories()
     QCOMPARE(gotExponents, exponents);
 }
 
-void tst_TFHeaderUnit::codeOfName_data()
+void tst_TFHeaderUnit::lookups_data()
 {
     QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("codeOfName");   // the code the name resolves to
     QTest::addColumn<int>("code");
+    QTest::addColumn<int>("exponent");     // of the code
 
-    QTest::newRow("yuan resolves to the first of two") << "元" << 1000;
-    QTest::newRow("ten thousand yuan") << "万元" << 1004;
-    QTest::newRow("hundred million shares") << "亿股" << 2008;
-    QTest::newRow("lot") << "手（十张）" << 3001;
-    QTest::newRow("per mille") << "‰" << 7004;
-    QTest::newRow("yuan per percent") << "元/%" << 22000;
-    QTest::newRow("unknown") << "公斤" << -1;
-    QTest::newRow("empty") << "" << -1;
+    QTest::newRow("yuan") << "元" << 1000 << 1000 << 0;
+    QTest::newRow("second yuan: the name resolves to the first") << "元" << 1000 << 18000 << 0;
+    QTest::newRow("ten thousand yuan") << "万元" << 1004 << 1004 << 4;
+    QTest::newRow("hundred million shares") << "亿股" << 2008 << 2008 << 8;
+    QTest::newRow("lot") << "手（十张）" << 3001 << 3001 << 1;
+    QTest::newRow("raw value") << "原始值" << 7002 << 7002 << 2;
+    QTest::newRow("percent") << "%" << 7003 << 7003 << 1;
+    QTest::newRow("per mille") << "‰" << 7004 << 7004 << -1;
+    QTest::newRow("basis point") << "BP" << 7005 << 7005 << -2;
+    QTest::newRow("yuan per percent") << "元/%" << 22000 << 22000 << 0;
+    QTest::newRow("unknown") << "公斤" << -1 << 1005 << -100;
+    QTest::newRow("empty") << "" << -1 << 0 << -100;
 }
 
-void tst_TFHeaderUnit::codeOfName()
+void tst_TFHeaderUnit::lookups()
 {
     QFETCH(QString, name);
+    QFETCH(int, codeOfName);
     QFETCH(int, code);
-    QCOMPARE(unitCodeOfName(name), code);
-}
-
-void tst_TFHeaderUnit::codeLookups_data()
-{
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("exponent");
-
-    QTest::newRow("yuan") << 1000 << "元" << 0;
-    QTest::newRow("second yuan") << 18000 << "元" << 0;
-    QTest::newRow("ten thousand yuan") << 1004 << "万元" << 4;
-    QTest::newRow("raw value") << 7002 << "原始值" << 2;
-    QTest::newRow("percent") << 7003 << "%" << 1;
-    QTest::newRow("basis point") << 7005 << "BP" << -2;
-    QTest::newRow("unknown code") << 1005 << "" << -100;
-    QTest::newRow("zero") << 0 << "" << -100;
-}
-
-void tst_TFHeaderUnit::codeLookups()
-{
-    QFETCH(int, code);
-    QFETCH(QString, name);
     QFETCH(int, exponent);
-    QCOMPARE(unitNameOfCode(code), name);
+    QCOMPARE(unitCodeOfName(name), codeOfName);
+    QCOMPARE(unitNameOfCode(code), codeOfName < 0 ? QString() : name);
     QCOMPARE(unitExponentOfCode(code), exponent);
 }
 

@@ -40,11 +40,11 @@ class tst_TFJsonParserRows : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
+    void init();
+    void cleanup();
     void parseConfigBuildsHeaderAndRows();
-    void emptyDocument();
-    void laterPage();
-    void laterPageOfACrossView();
-    void laterPageWithoutTables();
+    void pages_data();
+    void pages();
     void exportPath_data();
     void exportPath();
     void exportValues();
@@ -54,7 +54,16 @@ private slots:
 void tst_TFJsonParserRows::initTestCase()
 {
     qputenv("TZ", "UTC");
+}
+
+void tst_TFJsonParserRows::init()
+{
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void tst_TFJsonParserRows::cleanup()
+{
+    QLocale::setDefault(QLocale::system());
 }
 
 void tst_TFJsonParserRows::parseConfigBuildsHeaderAndRows()
@@ -63,13 +72,9 @@ void tst_TFJsonParserRows::parseConfigBuildsHeaderAndRows()
     TFJsonParser parser;
     ignoreMergeWarnings();
     QVERIFY(parser.parseConfig(DocumentTables::load("bands_view.json"), &root));
-    QCOMPARE(root.leafCaptions(),
-             (QStringList{ "证券代码", "简称", "净利润(万元)", "ROE合计", "比率", "报告期2020" }));
-    const QList<RowData> rows = parser.rows();
-    QCOMPARE(rows.size(), 3);
-    QCOMPARE(rows.at(0).size(), 11);
-    QCOMPARE(rows.at(0).at(3).value.toDouble(), 1577838635664.5);
-    QCOMPARE(rows.at(2).size(), 6);
+    QCOMPARE(root.leaves().size(), 6);
+    QCOMPARE(parser.rows().size(), 3);
+    QCOMPARE(parser.rows().at(0).size(), 11);
 
     // Read again: rows and tree are those of the second document.
     QVERIFY(parser.parseConfig(DocumentTables::load("cross_view.json"), &root));
@@ -78,81 +83,65 @@ void tst_TFJsonParserRows::parseConfigBuildsHeaderAndRows()
     QCOMPARE(cellNames(parser.rows().at(0)), (QStringList{ "ITEM", "2020__VAL", "2021__VAL", "ITEM", "EXTRA" }));
 }
 
-void tst_TFJsonParserRows::emptyDocument()
+void tst_TFJsonParserRows::pages_data()
 {
-    TFTreeStruct root(QString{});
-    TFJsonParser parser;
-    QVERIFY(parser.parseConfig(QJsonObject(), &root));
-    QVERIFY(parser.rows().isEmpty());
-    QVERIFY(root.leaves().isEmpty());
-    QVERIFY(!parser.parseConfig(QJsonValue(QJsonValue::Undefined), &root));
-    QVERIFY(!parser.parseConfig(QJsonObject(), nullptr));
-    // Rows without any header: every key is a further cell.
-    QVERIFY(parser.parseConfig(QJsonObject{ { "Data", QJsonArray{ QJsonObject{ { "B", 1 }, { "A", 2 } } } } }, &root));
-    QCOMPARE(cellNames(parser.rows().first()), (QStringList{ "A", "B" }));
-}
+    QTest::addColumn<QString>("document");   // a file of the test data, or JSON text
+    QTest::addColumn<QString>("page");       // JSON text of a later page; empty: none
+    QTest::addColumn<bool>("taken");
+    QTest::addColumn<QString>("state");      // rows, row count, page; captions; the first row's cells
 
-void tst_TFJsonParserRows::laterPage()
-{
-    TFTreeStruct root(QString{});
-    TFJsonParser parser;
-    ignoreMergeWarnings();
-    QVERIFY(parser.parseConfig(DocumentTables::load("bands_view.json"), &root));
-    const QStringList captions = root.leafCaptions();
-
-    QVERIFY(!parser.parseData(QJsonObject()));
-    QVERIFY(!parser.parseData(QJsonValue(5)));
-    QCOMPARE(parser.rows().size(), 3);
-
-    const QJsonObject page{ { "Data", QJsonArray{ QJsonObject{ { "SECU_ID", 7 }, { "SECU_CODE", "000002" },
-                                                               { "NET_PROFIT", 50000 } } } },
-                            { "Summary", QJsonArray{ QJsonObject{ { "Item", "pindex" }, { "value", 2 } } } } };
-    QVERIFY(parser.parseData(page));
-    QCOMPARE(parser.rows().size(), 1);
-    QCOMPARE(parser.rows().first().first().value, QVariant("000002"));
-    QCOMPARE(parser.rows().first().first().secuId, 7.0);
-    QCOMPARE(parser.pageIndex(), 2);
-    // The summary was filled in place: the row count of the first page stays.
-    QCOMPARE(parser.rowCount(), 3);
-    QCOMPARE(root.leafCaptions(), captions);
-
+    const QString bands = "bands_view.json";
+    const QString bandsCaptions = "证券代码,简称,净利润(万元),ROE合计,比率,报告期2020";
+    QTest::newRow("rows without any header: every key a further cell") << R"({"Data":[{"B":1,"A":2}]})" << ""
+        << true << "1 rows, -1 in all, page -1; ; A=2 B=1";
+    QTest::newRow("a page that is no object") << bands << "5" << false << "";
+    QTest::newRow("an empty page") << bands << "{}" << false << "";
+    // The summary is filled in place: the row count of the first page stays.
+    QTest::newRow("a later page") << bands
+        << R"({"Data":[{"SECU_ID":7,"SECU_CODE":"000002","NET_PROFIT":50000}],"Summary":[{"Item":"pindex","value":2}]})"
+        << true << "1 rows, 3 in all, page 2; " + bandsCaptions + "; SECU_CODE=000002:String#7 SECU_SHT=:String#7 "
+                   "NET_PROFIT=50000:Decimal#7 ROE_SUM=50009:decimal#7 RATIO=:Decimal#7 END_DATE=:DateTime#7 SECU_ID=7";
     // A page without "Data" builds the rows again from the rows it has.
-    QVERIFY(parser.parseData(QJsonObject{ { "Other", 1 } }));
-    QCOMPARE(parser.rows().size(), 1);
+    QTest::newRow("a page without rows") << bands << R"({"Other":1})" << true << "as before";
+    // A later page replaces the column list of the summary, not the tree;
+    // the further key's type comes from the new list.
+    QTest::newRow("a later page of a cross view") << "cross_view.json"
+        << R"({"Data":[{"ITEM":"x","OTHER":1}],"Summary":[{"Item":"GridColumns","value":)"
+           R"("[{\"fieldName\":\"OTHER\",\"showStatus\":1,\"valueType\":\"Decimal\"}]"}]})"
+        << true << "1 rows, 2 in all, page 0; 项目,金额(亿元),2021金额2021,ITEM; "
+                   "ITEM=x:String 2020__VAL=:Decimal 2021__VAL=:Decimal ITEM=x OTHER=1:Decimal";
+    QTest::newRow("a later page brings the tables the first lacked") << "{}"
+        << R"({"Data":[{"A":1}],"Summary":[{"Item":"rcount","value":9}]})" << true << "1 rows, 9 in all, page 0; ; A=1";
 }
 
-void tst_TFJsonParserRows::laterPageOfACrossView()
+void tst_TFJsonParserRows::pages()
 {
-    // A later page replaces the column list of the summary but not the tree.
+    QFETCH(QString, document);
+    QFETCH(QString, page);
+    QFETCH(bool, taken);
+    QFETCH(QString, state);
+
+    const bool file = document.endsWith(QLatin1String(".json"));
+    const QJsonObject first = file ? DocumentTables::load(document) : QJsonDocument::fromJson(document.toUtf8()).object();
     TFTreeStruct root(QString{});
     TFJsonParser parser;
-    QVERIFY(parser.parseConfig(DocumentTables::load("cross_view.json"), &root));
-    const QJsonArray columns{ QJsonObject{ { "fieldName", "OTHER" }, { "showStatus", 1 }, { "valueType", "Decimal" } } };
-    const QJsonObject page{
-        { "Data", QJsonArray{ QJsonObject{ { "ITEM", "x" }, { "OTHER", 1 } } } },
-        { "Summary", QJsonArray{ QJsonObject{ { "Item", "GridColumns" },
-                                              { "value", QString::fromUtf8(QJsonDocument(columns).toJson()) } } } }
+    if (document.startsWith("bands"))
+        ignoreMergeWarnings();
+    QVERIFY(parser.parseConfig(first, &root));
+    const auto describe = [&] {
+        QStringList cells;
+        for (const tagCellValue& cell : parser.rows().value(0)) {
+            cells << cell.fieldName + '=' + cell.value.toString() + (cell.valueType.isEmpty() ? "" : ':' + cell.valueType)
+                         + (cell.secuId ? '#' + QString::number(cell.secuId) : QString());
+        }
+        return QStringLiteral("%1 rows, %2 in all, page %3; %4; %5").arg(parser.rows().size()).arg(parser.rowCount())
+            .arg(parser.pageIndex()).arg(root.leafCaptions().join(','), cells.join(' '));
     };
-    QVERIFY(parser.parseData(page));
-    QCOMPARE(root.leafCaptions(), (QStringList{ "项目", "金额(亿元)", "2021金额2021", "ITEM" }));
-    const RowData row = parser.rows().first();
-    QCOMPARE(cellNames(row), (QStringList{ "ITEM", "2020__VAL", "2021__VAL", "ITEM", "OTHER" }));
-    // The further key's type comes from the new column list.
-    QCOMPARE(row.last().valueType, QStringLiteral("Decimal"));
-}
-
-void tst_TFJsonParserRows::laterPageWithoutTables()
-{
-    TFTreeStruct root(QString{});
-    TFJsonParser parser;
-    QVERIFY(parser.parseConfig(QJsonObject(), &root));
-    QCOMPARE(parser.rowCount(), -1);
-    QVERIFY(parser.parseData(QJsonObject{ { "Data", QJsonArray{ QJsonObject{ { "A", 1 } } } },
-                                          { "Summary", QJsonArray{ QJsonObject{ { "Item", "rcount" }, { "value", 9 } } } } }));
-    QCOMPARE(parser.rowCount(), 9);
-    QCOMPARE(parser.summaryTable()->tableType(), 7);
-    QCOMPARE(parser.dataMaps().size(), 1);
-    QCOMPARE(parser.rows().size(), 1);
+    const QString before = describe();
+    if (!page.isEmpty())
+        QCOMPARE(parser.parseData(QJsonDocument::fromJson("[" + page.toUtf8() + "]").array().first()), taken);
+    // A page refused leaves everything as it was.
+    QCOMPARE(describe(), taken && state != QLatin1String("as before") ? state : before);
 }
 
 void tst_TFJsonParserRows::exportPath_data()

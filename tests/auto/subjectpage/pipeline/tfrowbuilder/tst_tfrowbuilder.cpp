@@ -20,6 +20,19 @@ QStringList cellNames(const RowData& row)
     return names;
 }
 
+// A cell as "NAME=value", invalid as "~", then, unless all are a new cell's,
+// its settings: (type,alignment,prev/show/base factor,category,caption show
+// type,column type,format,url,security id).
+QString cellText(const tagCellValue& c)
+{
+    const QString value = c.fieldName + '=' + (c.value.isValid() ? c.value.toString() : QStringLiteral("~"));
+    const QString settings = QStringLiteral("(%1,%2,%3/%4/%5,%6,%7,%8,%9,%10,%11)")
+                                 .arg(c.valueType).arg(c.textAlignment).arg(c.prevUnitFactor).arg(c.showUnitFactor)
+                                 .arg(c.baseShowUnitFactor).arg(c.unitCategory).arg(c.captionShowType)
+                                 .arg(c.columnType, c.formatString, c.url).arg(c.secuId);
+    return settings == QLatin1String("(,0,1/1/-1,-1,-1,,,,0)") ? value : value + settings;
+}
+
 } // namespace
 
 class tst_TFRowBuilder : public QObject
@@ -27,10 +40,10 @@ class tst_TFRowBuilder : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
-    void bandsViewCells();
-    void emptyRowGivesInvalidLeaves();
-    void crossViewCells();
-    void furtherCellsOfTheExport();
+    void init();
+    void cleanup();
+    void cells_data();
+    void cells();
     void noLeaves();
     void duplicateLeafNames();
     void plainValue_data();
@@ -47,7 +60,16 @@ private:
 void tst_TFRowBuilder::initTestCase()
 {
     qputenv("TZ", "UTC");
+}
+
+void tst_TFRowBuilder::init()
+{
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void tst_TFRowBuilder::cleanup()
+{
+    QLocale::setDefault(QLocale::system());
 }
 
 QList<RowData> tst_TFRowBuilder::build(const QString& file, bool typeLetters)
@@ -65,101 +87,69 @@ QList<RowData> tst_TFRowBuilder::build(const QString& file, bool typeLetters)
     return builder.build(tables.data.rows());
 }
 
-void tst_TFRowBuilder::bandsViewCells()
+void tst_TFRowBuilder::cells_data()
 {
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    const QList<RowData> rows = build("bands_view.json");
-    QCOMPARE(rows.size(), 3);
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("typeLetters");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("cells");
 
-    // Leaves first, then the further keys in key order.
-    const RowData& first = rows.at(0);
-    QCOMPARE(cellNames(first), (QStringList{ "SECU_CODE", "SECU_SHT", "NET_PROFIT", "ROE_SUM", "RATIO", "END_DATE",
-                                             "2019__ROE", "2020__ROE", "HIDDEN_COL", "SECU_ID", "SHARES" }));
-    for (const tagCellValue& cell : first)
-        QCOMPARE(cell.secuId, cell.fieldName.startsWith("2") || cell.fieldName == "HIDDEN_COL"
-                                      || cell.fieldName == "SECU_ID" || cell.fieldName == "SHARES" ? 0.0 : 101.0);
-
-    const tagCellValue& code = first.at(0);
-    QCOMPARE(code.value, QVariant(" 600000 "));
-    QCOMPARE(code.valueType, QStringLiteral("String"));
-    QCOMPARE(code.textAlignment, 1);
-    QCOMPARE(code.url, QStringLiteral("view:?secu={SECU_ID}"));
-
-    const tagCellValue& profit = first.at(2);
-    QCOMPARE(profit.value.toDouble(), 1234560.0);
-    QCOMPARE(profit.columnType, QStringLiteral("BandedGridColumnWithUnit"));
-    QCOMPARE(profit.prevUnitFactor, qint64(1));
-    QCOMPARE(profit.showUnitFactor, qint64(10000));
-    QCOMPARE(profit.baseShowUnitFactor, qint64(10000));
-    QCOMPARE(profit.unitCategory, 1);
-    QCOMPARE(profit.captionShowType, 1);
-    QCOMPARE(profit.formatString, QStringLiteral("n2"));
-
+    // Leaves first, with their column's settings and the row's security id;
+    // then the further keys in key order, typed by the key's record.
     // SUM([ROE]) counts every key but "ROE" itself: dates, codes in text,
     // the security id and the shares too; names count as 0.
-    QCOMPARE(first.at(3).value.toDouble(), 1577838635664.5);
-    QCOMPARE(first.at(4).value.toDouble(), 1234.56);
-    QCOMPARE(first.at(5).value.toLongLong(), Q_INT64_C(1577836800000));
-
-    // Further cells: defaults, and the value type of the key's record.
-    const tagCellValue& roe2019 = first.at(6);
-    QCOMPARE(roe2019.valueType, QStringLiteral("Double"));
-    QCOMPARE(roe2019.prevUnitFactor, qint64(1));
-    QCOMPARE(roe2019.showUnitFactor, qint64(1));
-    QCOMPARE(roe2019.baseShowUnitFactor, qint64(-1));
-    QCOMPARE(roe2019.unitCategory, -1);
-    QCOMPARE(roe2019.captionShowType, -1);
-    QCOMPARE(roe2019.textAlignment, 0);
-    QCOMPARE(first.at(7).valueType, QString());
-    QCOMPARE(first.at(8).valueType, QStringLiteral("String"));
-    QCOMPARE(first.at(10).valueType, QStringLiteral("Int64"));
-
-    // Second row: the id as text, a missing name, a division by zero.
-    const RowData& second = rows.at(1);
-    QCOMPARE(second.first().secuId, 102.0);
-    QVERIFY(!second.at(1).value.isValid());
-    QCOMPARE(second.at(3).value.toDouble(), 350141.0);
-    QVERIFY(!second.at(4).value.isValid());
-    QCOMPARE(cellNames(second).mid(6), (QStringList{ "2019__ROE", "ROE", "SECU_ID", "SHARES" }));
-}
-
-void tst_TFRowBuilder::emptyRowGivesInvalidLeaves()
-{
-    for (int i = 0; i < 4; ++i)
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    const RowData empty = build("bands_view.json").at(2);
-    QCOMPARE(empty.size(), 6);
-    for (const tagCellValue& cell : empty) {
-        QCOMPARE(cell.secuId, 0.0);
-        // The sum over no keys is 0; every other cell is invalid.
-        if (cell.fieldName == QLatin1String("ROE_SUM"))
-            QCOMPARE(cell.value, QVariant(0.0));
-        else
-            QVERIFY2(!cell.value.isValid(), qPrintable(cell.fieldName));
-    }
-}
-
-void tst_TFRowBuilder::crossViewCells()
-{
-    const QList<RowData> rows = build("cross_view.json");
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(cellNames(rows.at(0)), (QStringList{ "ITEM", "2020__VAL", "2021__VAL", "ITEM", "EXTRA" }));
+    QTest::newRow("bands view") << "bands_view.json" << false << 0
+        << "SECU_CODE= 600000 (String,1,0/0/0,0,0,,,view:?secu={SECU_ID},101) | SECU_SHT=浦发银行(String,0,0/0/0,0,0,,,,101) | "
+           "NET_PROFIT=1234560(Decimal,0,1/10000/10000,1,1,BandedGridColumnWithUnit,n2,,101) | "
+           "ROE_SUM=1577838635664.5(decimal,0,0/0/0,0,0,,N4,,101) | RATIO=1234.56(Decimal,0,0/0/0,0,0,,,,101) | "
+           "END_DATE=1577836800000(DateTime,0,0/0/0,0,0,,yyyy-MM-dd,,101) | 2019__ROE=1.5(Double,0,1/1/-1,-1,-1,,,,0) | "
+           "2020__ROE=2 | HIDDEN_COL=h(String,0,1/1/-1,-1,-1,,,,0) | SECU_ID=101 | SHARES=1000(Int64,0,1/1/-1,-1,-1,,,,0)";
+    // The id as text, a missing name, a division by zero.
+    QTest::newRow("bands view, second row") << "bands_view.json" << false << 1
+        << "SECU_CODE=600036(String,1,0/0/0,0,0,,,view:?secu={SECU_ID},102) | SECU_SHT=~(String,0,0/0/0,0,0,,,,102) | "
+           "NET_PROFIT=-250000(Decimal,0,1/10000/10000,1,1,BandedGridColumnWithUnit,n2,,102) | "
+           "ROE_SUM=350141(decimal,0,0/0/0,0,0,,N4,,102) | RATIO=~(Decimal,0,0/0/0,0,0,,,,102) | "
+           "END_DATE=0(DateTime,0,0/0/0,0,0,,yyyy-MM-dd,,102) | 2019__ROE=3(Double,0,1/1/-1,-1,-1,,,,0) | ROE=9 | "
+           "SECU_ID=102 | SHARES=0(Int64,0,1/1/-1,-1,-1,,,,0)";
+    // The sum over no keys is 0; every other cell is invalid.
+    QTest::newRow("bands view, empty row") << "bands_view.json" << false << 2
+        << "SECU_CODE=~(String,1,0/0/0,0,0,,,view:?secu={SECU_ID},0) | SECU_SHT=~(String,0,0/0/0,0,0,,,,0) | "
+           "NET_PROFIT=~(Decimal,0,1/10000/10000,1,1,BandedGridColumnWithUnit,n2,,0) | "
+           "ROE_SUM=0(decimal,0,0/0/0,0,0,,N4,,0) | RATIO=~(Decimal,0,0/0/0,0,0,,,,0) | "
+           "END_DATE=~(DateTime,0,0/0/0,0,0,,yyyy-MM-dd,,0)";
     // The group leaf reads the group field of the row.
-    QCOMPARE(rows.at(0).at(3).value, QVariant("营业收入"));
-    QCOMPARE(rows.at(0).at(1).showUnitFactor, qint64(100000000));
-    QCOMPARE(rows.at(0).at(4).valueType, QString());
-    QCOMPARE(rows.at(1).at(1).value, QVariant("n/a"));
-    QCOMPARE(cellNames(rows.at(1)), (QStringList{ "ITEM", "2020__VAL", "2021__VAL", "ITEM" }));
+    QTest::newRow("cross view") << "cross_view.json" << false << 0
+        << "ITEM=营业收入(String,0,0/0/0,0,0,,,,0) | "
+           "2020__VAL=523456789.5(Decimal,0,1/100000000/100000000,1,3,BandedGridColumnWithUnit,,,0) | "
+           "2021__VAL=612345678(Decimal,0,0/0/0,0,0,,,,0) | ITEM=营业收入(,0,0/0/0,0,0,,,,0) | EXTRA=e";
+    QTest::newRow("cross view, second row") << "cross_view.json" << false << 1
+        << "ITEM=净利润(String,0,0/0/0,0,0,,,,0) | "
+           "2020__VAL=n/a(Decimal,0,1/100000000/100000000,1,3,BandedGridColumnWithUnit,,,0) | "
+           "2021__VAL=~(Decimal,0,0/0/0,0,0,,,,0) | ITEM=净利润(,0,0/0/0,0,0,,,,0)";
+    // For the export a further cell's type is the letter of a text.
+    QTest::newRow("cross view, export") << "cross_view.json" << true << 0
+        << "ITEM=营业收入(String,0,0/0/0,0,0,,,,0) | "
+           "2020__VAL=523456789.5(Decimal,0,1/100000000/100000000,1,3,BandedGridColumnWithUnit,,,0) | "
+           "2021__VAL=612345678(Decimal,0,0/0/0,0,0,,,,0) | ITEM=营业收入(,0,0/0/0,0,0,,,,0) | "
+           "EXTRA=e(" + QString(QChar(int(QVariant::String))) + ",0,1/1/-1,-1,-1,,,,0)";
 }
 
-void tst_TFRowBuilder::furtherCellsOfTheExport()
+void tst_TFRowBuilder::cells()
 {
-    const QList<RowData> rows = build("cross_view.json", true);
-    QCOMPARE(rows.at(0).at(4).valueType, QString(QChar(int(QVariant::String))));
-    QCOMPARE(rows.at(0).at(0).valueType, QStringLiteral("String"));
+    QFETCH(QString, file);
+    QFETCH(bool, typeLetters);
+    QFETCH(int, row);
+    QFETCH(QString, cells);
+
+    if (file.startsWith("bands")) {
+        for (int i = 0; i < 4; ++i)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
+    }
+    const QList<RowData> rows = build(file, typeLetters);
+    QStringList texts;
+    for (const tagCellValue& cell : rows.value(row))
+        texts << cellText(cell);
+    QCOMPARE(texts.join(" | "), cells);
 }
 
 void tst_TFRowBuilder::noLeaves()
