@@ -1,0 +1,418 @@
+#include "../jsonparser/shared/messagelog.h"
+#include "../pipeline/shared/documenttables.h"
+
+#include "expression/expressionparse.h"
+#include "jsonparser/tfchartviewjsontable.h"
+#include "jsonparser/tfchildviewjsontable.h"
+#include "jsonparser/tfheaderbuilder.h"
+#include "jsonparser/tfheaderfieldconfigdata.h"
+#include "jsonparser/tfjsonparser.h"
+#include "jsonparser/tfrowbuilder.h"
+#include "mulittable/tfheaderdatastruct.h"
+#include "mulittable/tfsubjecttablemodel.h"
+#include "mulittable/tfunboundexpression.h"
+
+#include "subjectservice.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+#include <tuple>
+
+using TFSubject::TFJsonParser;
+
+namespace {
+
+// One view read the way the table widget reads it: header, rows with their
+// derived cells, and the model over them.
+struct ViewTable
+{
+    explicit ViewTable(const QJsonObject& document) : tables(document)
+    {
+        const TFSubject::ExpressionParseSource source = [this] { return &parser; };
+        TFSubject::buildHeader(&root, tables.view.get(), tables.objectView.get(), tables.summary.get(), source);
+        const bool cross = TFSubject::usesCrossColumns(tables.view.get(), tables.summary.get());
+        unbound.reset(new TFUnboundExpression(source));
+        TFSubject::TFRowBuilder builder(root.leaves(), unbound.get(), [&](const QString& name) {
+            return TFSubject::referenceField(name, cross, tables.summary.get(), tables.objectView.get()).valueType;
+        });
+        raw = tables.data.rows();
+        rows = builder.build(raw);
+        model.setHeader(&root);
+        model.setRows(rows);
+    }
+
+    DocumentTables tables;
+    TFTreeStruct root { QString() };
+    ExpressionParse parser;
+    std::unique_ptr<TFUnboundExpression> unbound;
+    QList<QVariantMap> raw;
+    QList<RowData> rows;
+    TFSubjectTableModel model;
+};
+
+// What differs between a column of a view file and the field read from the
+// wire; empty when nothing does.
+QString compareColumn(const QJsonObject& column, const HeaderFieldInfo& field, const QString& ownerBand)
+{
+    static const QMap<QString, QString> kinds { { "unit", "BandedGridColumnWithUnit" }, { "link", "HyperLinkEdit" },
+                                                { "memo", "MemoExEdit" }, { "rating", "BandedGridColumnWithRating" } };
+    const bool isBand = column.contains("band");
+    const QJsonObject unit = column.value("unit").toObject();
+    const QString kind = isBand ? QString("Band") : kinds.value(column.value("kind").toString(), column.value("kind").toString());
+    // (file key, expected, actual): a key the file leaves out is not checked.
+    const QList<std::tuple<bool, QVariant, QVariant>> checks {
+        { true, column.value(isBand ? "band" : "field").toString(), field.fieldName },
+        { true, ownerBand.isEmpty() ? QString() : ownerBand, field.ownerBand == "0" ? QString() : field.ownerBand },
+        { column.contains("caption"), column.value("caption").toString(), field.caption },
+        { isBand || column.contains("kind"), kind, field.columnType },
+        { column.contains("type"), column.value("type").toString(), field.valueType },
+        { column.contains("width"), int(column.value("width").toDouble()), field.width },
+        { column.contains("format"), column.value("format").toString(), field.formatString },
+        { column.contains("align"), column.value("align").toInt(), field.textAlignment },
+        { column.contains("url"), column.value("url").toString(), field.url },
+        { column.contains("expression"), column.value("expression").toString(), field.unboundExpression },
+        { column.contains("style"), column.value("style").toString(), field.cellStyleExpression },
+        { column.contains("noSort"), column.value("noSort").toBool(), field.noSort },
+        { column.contains("stat"), column.value("stat").toString(), field.statExpression },
+        { unit.contains("category"), unit.value("category").toInt(), field.unitCategory },
+        { unit.contains("show"), unit.value("show").toString(), field.showUnit },
+        { unit.contains("factor"), qint64(unit.value("factor").toDouble()), field.showUnitFactor },
+        { unit.contains("prev"), qint64(unit.value("prev").toDouble()), field.prevUnitFactor },
+        { unit.contains("captionShow"), unit.value("captionShow").toInt(), field.captionShowType },
+    };
+    QStringList differences;
+    for (const auto& check : checks) {
+        if (std::get<0>(check) && std::get<1>(check) != std::get<2>(check))
+            differences << std::get<1>(check).toString() + " != " + std::get<2>(check).toString();
+    }
+    return differences.join("; ");
+}
+
+// The columns of a file in the order of the wire's list: each band before
+// its own columns, with the band it belongs to.
+void flattenColumns(const QJsonArray& columns, const QString& ownerBand, QList<QPair<QJsonObject, QString>>* out)
+{
+    for (const QJsonValue& value : columns) {
+        out->append(qMakePair(value.toObject(), ownerBand));
+        if (value.toObject().contains("band"))
+            flattenColumns(value.toObject().value("columns").toArray(), value.toObject().value("band").toString(), out);
+    }
+}
+
+bool isFlagOn(const QJsonValue& value)
+{
+    return value.isDouble() ? value.toDouble() == 1 : value.toString().toInt() == 1;
+}
+
+} // namespace
+
+// Every view of the reference service's catalogue, asked for over loopback
+// as the page asks for it, read by the parser and compared with its authored
+// view file, then turned into cells as the analyst sees them.
+class tst_Catalogue : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void view_data();
+    void view();
+    void shownText_data();
+    void shownText();
+
+private:
+    QTemporaryDir m_databaseDir;
+    std::unique_ptr<SubjectService::Server> m_server;
+    QNetworkAccessManager m_network;
+    QHash<qint64, QJsonObject> m_documents;
+    TFTreeStruct m_bandTree { QString() };
+};
+
+void tst_Catalogue::initTestCase()
+{
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    QVERIFY(m_databaseDir.isValid());
+    SubjectService::Options options;
+    options.dbPath = m_databaseDir.filePath("catalogue.sqlite");
+    m_server.reset(new SubjectService::Server(options));
+    QString error;
+    QVERIFY2(m_server->start(&error), qPrintable(error));
+
+    // The views as the service was built with them, each asked for once.
+    const QDir dir(QStringLiteral(":/catalogue/views"));
+    for (const QString& name : dir.entryList({ "*.json" }, QDir::Files, QDir::Name)) {
+        const qint64 viewId = QFileInfo(name).baseName().toLongLong();
+        QUrl url = m_server->baseUrl();
+        url.setPath("/bas/subject/data");
+        QNetworkRequest request(url);
+        request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
+        const QJsonObject body { { "auth", QJsonObject { { "userId", "demo" }, { "prodId", "subject" } } },
+                                 { "obj_vw_id", double(viewId) }, { "flag", 0 } };
+        std::unique_ptr<QNetworkReply> reply(m_network.post(request, QJsonDocument(body).toJson()));
+        QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+        QVERIFY(finished.wait(30000));
+        const QJsonObject envelope = QJsonDocument::fromJson(reply->readAll()).object();
+        QVERIFY2(envelope.value("state").toInt() == 1, qPrintable(name));
+        m_documents.insert(viewId, envelope.value("data").toObject());
+    }
+    QCOMPARE(m_documents.size(), 33);
+}
+
+void tst_Catalogue::cleanupTestCase()
+{
+    QLocale::setDefault(QLocale::c());
+    if (m_server)
+        m_server->stop();
+}
+
+void tst_Catalogue::view_data()
+{
+    QTest::addColumn<QJsonObject>("file");
+    const QDir dir(QStringLiteral(":/catalogue/views"));
+    for (const QString& name : dir.entryList({ "*.json" }, QDir::Files, QDir::Name)) {
+        QFile file(dir.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonObject view = QJsonDocument::fromJson(file.readAll()).object();
+        QTest::newRow(qPrintable(name + " " + view.value("name").toString())) << view;
+    }
+}
+
+void tst_Catalogue::view()
+{
+    QFETCH(QJsonObject, file);
+    const qint64 viewId = qint64(file.value("id").toDouble());
+    const QJsonObject properties = file.value("properties").toObject();
+    const QJsonObject document = m_documents.value(viewId);
+
+    TFJsonParser parser;
+    QSignalSpy announced(&parser, &TFJsonParser::signalSubTableJsonData);
+    {
+        // Every JSON text inside the document parses; a band that hands its
+        // unit factors down says so, which is no error.
+        MessageLog log;
+        QVERIFY(parser.parseConfig(document, &m_bandTree));
+        const QStringList debug = log.messages(QtDebugMsg).filter(QRegularExpression("^(?!unit test:)"));
+        QCOMPARE(debug, QStringList());
+    }
+    QCOMPARE(parser.objectViewName(), file.value("name").toString());
+    TFViewConfigTable* view = parser.viewConfigTable();
+    QVERIFY(view);
+    QCOMPARE(qint64(view->viewId()), viewId);
+
+    // Properties the view acts on, and the first page.
+    const bool cross = file.contains("cross");
+    const QJsonArray children = file.value("children").toArray();
+    QCOMPARE(parser.isCross(), cross);
+    QCOMPARE(parser.isShowChild(),
+             properties.contains("isShowChild") ? isFlagOn(properties.value("isShowChild")) : !children.isEmpty());
+    QCOMPARE(view->isShowFilter(), properties.value("isShowFilter").toBool());
+    QCOMPARE(view->isGetChartData(), isFlagOn(properties.value("IsGetChartData")));
+    QCOMPARE(view->isOrder(), isFlagOn(properties.value("IsOrder")));
+    QCOMPARE(parser.isGroup(), isFlagOn(properties.value("IsGroup")));
+    QCOMPARE(parser.frozenCount(), properties.value("FrozenCount").toInt());
+    QCOMPARE(parser.vGridColHeaderField(), properties.value("VGridColHeaderField").toString());
+    QCOMPARE(view->groupFields(), properties.value("GroupFields").toString());
+    QCOMPARE(view->groupFormatString(), properties.value("GroupFormatString").toString());
+    QCOMPARE(view->sectorNum(), properties.value("SectorNum").toString());
+    QCOMPARE(view->rootSectorNum(), properties.value("RootSectorNum").toString());
+    QJsonObject order;
+    for (const QString& term : properties.value("order").toString().split(',', Qt::SkipEmptyParts)) {
+        const QStringList parts = term.split(' ', Qt::SkipEmptyParts);
+        order.insert(parts.at(0), parts.at(1).compare("desc", Qt::CaseInsensitive) == 0 ? -1 : 1);
+    }
+    QCOMPARE(parser.orderProperty().second.value<QJsonObject>(), order);
+    QCOMPARE(parser.pageSize(), properties.contains("pageSize") ? properties.value("pageSize").toInt() : 200);
+    QCOMPARE(parser.pageIndex(), 1);
+    QVERIFY(parser.dataMaps().size() <= parser.pageSize());
+
+    // Filters, children and chart as the file writes them.
+    const QJsonArray filters = file.value("filters").toArray();
+    QCOMPARE(parser.filterData().size(), filters.size());
+    for (int i = 0; i < filters.size(); ++i) {
+        const QJsonObject expected = filters.at(i).toObject();
+        const TFTableModelData::FilterData& actual = parser.filterData().at(i);
+        const QStringList keys { "ClassName", "Caption", "FieldName", "DefualtValue", "Operator", "ValueType", "NameValues",
+                                 "ControlParameters", "DataSourceName", "DataSourceFilter", "DataSourceFilterParams" };
+        QStringList wanted;
+        for (const QString& key : keys)
+            wanted << expected.value(key).toString();
+        QCOMPARE((QStringList { actual.ClassName, actual.Caption, actual.FieldName, actual.DefualtValue, actual.Operator,
+                                actual.ValueType, actual.NameValues, actual.ControlParameters, actual.DataSourceName,
+                                actual.DataSourceFilter, actual.DataSourceFilterParams }), wanted);
+        QCOMPARE(actual.Width, expected.value("Width").toInt());
+        QCOMPARE(actual.UnitCategory, int(expected.value("UnitCategory").toDouble()));
+        QCOMPARE(actual.ParameterCategory, QString::number(expected.value("ParameterCategory").toDouble(), 'g', 6));
+    }
+    QCOMPARE(view->childTable() != nullptr, !children.isEmpty());
+    QCOMPARE(announced.count(), children.size());   // announced while the document was read
+    for (int i = 0; i < children.size(); ++i) {
+        const QJsonObject expected = children.at(i).toObject();
+        const TFChildViewJsonTable::ChildView actual = view->childTable()->children().at(i);
+        QCOMPARE(actual.objVwId, qint64(expected.value("view").toDouble()));
+        QCOMPARE(actual.caption, expected.value("caption").toString());
+        QCOMPARE(actual.propertyParams, expected.value("link").toString());
+        QCOMPARE(announced.at(i).at(0).value<qint64>(), actual.objVwId);
+    }
+    const QJsonObject chart = file.value("chart").toObject();
+    QCOMPARE(view->chartTable() != nullptr, !chart.isEmpty());
+    if (!chart.isEmpty()) {
+        const ChartViewConfig config = view->chartTable()->config();
+        QCOMPARE((QStringList { config.Title, config.ChartType, config.XFieldName }),
+                 (QStringList { chart.value("Title").toString(), chart.value("ChartType").toString(),
+                                chart.value("XFieldName").toString() }));
+        QCOMPARE(config.IsSwitchXAxis, chart.value("IsSwitchXAxis").toBool());
+        const QJsonArray series = chart.value("ChartDataConfigs").toArray();
+        QCOMPARE(config.ChartDataConfigs.size(), series.size());
+        for (int i = 0; i < series.size(); ++i) {
+            QCOMPARE(config.ChartDataConfigs.at(i).FieldName, series.at(i).toObject().value("FieldName").toString());
+            QCOMPARE(config.ChartDataConfigs.at(i).IsVisible, series.at(i).toObject().value("IsVisible").toBool());
+        }
+    }
+
+    // Columns: the bands list of a table view in file order, and the field
+    // table with each column's settings and visibility.
+    QList<QPair<QJsonObject, QString>> columns;
+    flattenColumns(file.value("columns").toArray(), QString(), &columns);
+    QCOMPARE(view->headerTable() != nullptr, !columns.isEmpty());
+    const QList<HeaderFieldInfo> fields = view->headerTable() ? view->headerTable()->fields() : QList<HeaderFieldInfo>();
+    QCOMPARE(fields.size(), columns.size());
+    for (int i = 0; i < columns.size(); ++i) {
+        const QJsonObject column = columns.at(i).first;
+        const QString differences = compareColumn(column, fields.at(i), columns.at(i).second);
+        QVERIFY2(differences.isEmpty(), qPrintable(fields.at(i).fieldName + ": " + differences));
+        QCOMPARE(fields.at(i).visible, !column.value("hidden").toBool());
+        if (column.contains("band"))
+            continue;
+        const QString name = column.value("field").toString();
+        const HeaderFieldInfo settings = parser.objectViewConfigTable()->headerFieldInfo(name);
+        const QString own = settings.ownerBand == "0" ? QString() : settings.ownerBand;
+        QVERIFY2(compareColumn(column, settings, own).isEmpty(), qPrintable(name + ": " + compareColumn(column, settings, own)));
+        const QString status = column.value("status").toString("1");
+        QVERIFY2(parser.objectViewConfigTable()->isFieldVisible(name)
+                     == (!column.value("hidden").toBool() && (status == "1" || status == "6")), qPrintable(name));
+    }
+
+    // A cross view takes its columns from the summary: the row fields, a
+    // band per value across with the value fields, then the totals.
+    TFSummaryJsonTable* summary = parser.summaryTable();
+    QCOMPARE(summary->columnTable() != nullptr, cross && !parser.dataMaps().isEmpty());
+    if (summary->columnTable()) {
+        const QJsonObject crossView = file.value("cross").toObject();
+        const QJsonArray valueColumns = crossView.value("values").toArray();
+        const QList<HeaderFieldInfo> crossFields = summary->columnTable()->fields();
+        QList<QPair<QJsonObject, QString>> expected;
+        for (const QJsonValue& column : crossView.value("rows").toArray())
+            expected.append(qMakePair(column.toObject(), QString()));
+        const int bands = (crossFields.size() - expected.size() - crossView.value("totals").toArray().size())
+                / (1 + valueColumns.size());
+        QVERIFY(bands > 0);
+        for (int band = 0; band < bands; ++band) {
+            const QString across = crossFields.at(expected.size()).fieldName.mid(2);
+            expected.append(qMakePair(QJsonObject { { "band", "B_" + across },
+                                                    { "caption", crossView.value("bandCaption").toString("%1").arg(across) } },
+                                      QString()));
+            for (const QJsonValue& value : valueColumns) {
+                QJsonObject column = value.toObject();
+                column.insert("field", across + "__" + column.value("field").toString());
+                expected.append(qMakePair(column, "B_" + across));
+            }
+        }
+        for (const QJsonValue& column : crossView.value("totals").toArray())
+            expected.append(qMakePair(column.toObject(), QString()));
+        QCOMPARE(crossFields.size(), expected.size());
+        for (int i = 0; i < expected.size(); ++i) {
+            const QString differences = compareColumn(expected.at(i).first, crossFields.at(i), expected.at(i).second);
+            QVERIFY2(differences.isEmpty(), qPrintable(crossFields.at(i).fieldName + ": " + differences));
+            QCOMPARE(summary->headerFieldInfo(crossFields.at(i).fieldName).caption, crossFields.at(i).caption);
+        }
+    }
+
+    // The cells: one per column in header order, then the row's further
+    // fields as they came; a cell with no expression holds the wire's value.
+    ViewTable table(document);
+    const QList<TFTreeStruct*> leaves = table.root.leaves();
+    QCOMPARE(table.rows.size(), table.raw.size());
+    QCOMPARE(table.model.columnCount(), leaves.size());
+    for (int r = 0; r < table.rows.size(); ++r) {
+        const QVariantMap& source = table.raw.at(r);
+        QStringList names;
+        for (const TFTreeStruct* leaf : leaves)
+            names << leaf->info().fieldName;
+        for (auto it = source.constBegin(); it != source.constEnd(); ++it) {
+            if (!names.mid(0, leaves.size()).contains(it.key()))
+                names << it.key();
+        }
+        QCOMPARE(table.rows.at(r).size(), names.size());
+        for (int c = 0; c < names.size(); ++c) {
+            const TFTableModelData::tagCellValue& cell = table.rows.at(r).at(c);
+            const QString where = QStringLiteral("row %1 cell %2").arg(r).arg(names.at(c));
+            QVERIFY2(cell.fieldName == names.at(c), qPrintable(where));
+            QVERIFY2(cell.secuId == (c < leaves.size() ? source.value("SECU_ID").toDouble() : 0.0), qPrintable(where));
+            if (c < leaves.size() && !leaves.at(c)->info().unboundExpression.isEmpty())
+                continue;
+            QVERIFY2(cell.value == source.value(cell.fieldName), qPrintable(where));
+            if (c < leaves.size()) {
+                const HeaderFieldInfo& record = leaves.at(c)->info();
+                QVERIFY2(cell.valueType == record.valueType && cell.formatString == record.formatString
+                             && cell.showUnitFactor == record.showUnitFactor, qPrintable(where));
+                QCOMPARE(table.model.index(r, c).data(TFSubjectTableModel::RawValueRole), cell.value);
+            }
+        }
+    }
+}
+
+// What the screen shows for a few cells of the demo data, which a fixed
+// seed makes the same on every machine. An empty colour is the grid's own.
+void tst_Catalogue::shownText_data()
+{
+    QTest::addColumn<qint64>("viewId");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("color");
+
+    QTest::newRow("text kept as it is") << qint64(260) << 0 << "SECU_CODE" << "000001" << "";
+    QTest::newRow("link text") << qint64(260) << 1 << "SECU_SHT" << "海医药" << "";
+    QTest::newRow("n2, falling: green") << qint64(260) << 0 << "CLOSE_PRICE" << "29.57" << "#1aa34a";
+    QTest::newRow("n2, rising: red") << qint64(260) << 1 << "CHG_PCT" << "4.08" << "#e83e3e";
+    QTest::newRow("derived cell") << qint64(260) << 0 << "AMPLITUDE" << "7.41" << "";
+    QTest::newRow("n0 in 10,000s, grouped") << qint64(260) << 1 << "VOLUME" << "1,525" << "";
+    QTest::newRow("n2 in 100 millions") << qint64(260) << 0 << "AMOUNT" << "2.82" << "";
+    QTest::newRow("date") << qint64(260) << 1 << "LIST_DATE" << "2020-10-15" << "";
+    QTest::newRow("date in its own format") << qint64(264) << 0 << "END_DATE" << "2019年03月31日" << "";
+    QTest::newRow("negative in 100 millions") << qint64(261) << 1 << "NET_PROFIT" << "-0.55" << "";
+    QTest::newRow("n2 in 10,000s, grouped") << qint64(263) << 1 << "HOLD_SHARES" << "212,324.52" << "";
+    QTest::newRow("cross cell, n1 in 100 millions") << qint64(1590) << 1 << "TOTAL_NET_PROFIT" << "4,222.6" << "";
+    QTest::newRow("unit factor 1, colour") << qint64(47820) << 0 << "CHG_BP" << "-44" << "#1aa34a";
+    QTest::newRow("rising in green where red means falling") << qint64(48370) << 0 << "CHG_PCT" << "3.17" << "#1aa34a";
+}
+
+void tst_Catalogue::shownText()
+{
+    QFETCH(qint64, viewId);
+    QFETCH(int, row);
+    QFETCH(QString, field);
+    QFETCH(QString, text);
+    QFETCH(QString, color);
+    ViewTable table(m_documents.value(viewId));
+    int column = 0;
+    const QList<TFTreeStruct*> leaves = table.root.leaves();
+    while (column < leaves.size() && leaves.at(column)->info().fieldName != field)
+        ++column;
+    QVERIFY2(column < leaves.size(), qPrintable(field));
+    const QModelIndex index = table.model.index(row, column);
+    QCOMPARE(index.data(Qt::DisplayRole).toString(), text);
+    const QVariant foreground = index.data(Qt::ForegroundRole);
+    QCOMPARE(foreground.isValid() ? foreground.value<QColor>().name() : QString(), color);
+    QCOMPARE(index.data(Qt::ForegroundRole), foreground);   // asked again: the kept colour is the fresh one
+}
+
+QTEST_MAIN(tst_Catalogue)
+#include "tst_catalogue.moc"
