@@ -105,6 +105,12 @@ static QByteArray readFile(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+static QString writeFile(const QString &name, const QByteArray &content)
+{
+    QFile file(name);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? name : QString();
+}
+
 void tst_Terminal::initTestCase()
 {
     QVERIFY2(QFile::exists(terminalPath), qPrintable(terminalPath));
@@ -133,13 +139,11 @@ void tst_Terminal::initTestCase()
         {"class": "TFFrameSubjectZHP", "state": )j" + state + R"j(},
         {"class": "TFFrameSubjectZHP_ZZ", "state": )j" + state + R"j(},
         {"class": "TFNoSuchComponent"}]})j";
-    QFile screen(m_dir.filePath("desk.json"));
-    QVERIFY(screen.open(QIODevice::WriteOnly));
-    screen.write(m_screenDocument);
-    screen.close();
+    const QString screen = writeFile(m_dir.filePath("desk.json"), m_screenDocument);
+    QVERIFY(!screen.isEmpty());
     m_screen.picture = m_dir.filePath("screen.png");
     m_screen.log = m_dir.filePath("screen.log");
-    start(&m_screen, { "--screen", screen.fileName(), "--size", "1200x800", "--log", m_screen.log,
+    start(&m_screen, { "--screen", screen, "--size", "1200x800", "--log", m_screen.log,
                        "--screenshot", m_screen.picture }, m_dir.filePath("cache"));
 
     finish(&m_page.process, 180000);
@@ -284,17 +288,11 @@ void tst_Terminal::quickExit()
     QFETCH(QByteArray, err);
     QStringList all{ "--service", m_relay.baseUrl().toString() };
     if (setup == "broken plug-in") {
-        const QString plugins = m_dir.filePath("broken");
-        QVERIFY(QDir().mkpath(plugins));
-        QFile broken(plugins + "/libbroken.so");
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write("not a shared library");
-        all << "--plugins" << plugins;
+        QVERIFY(QDir(m_dir.path()).mkpath("broken"));
+        QVERIFY(!writeFile(m_dir.filePath("broken/libbroken.so"), "not a shared library").isEmpty());
+        all << "--plugins" << m_dir.filePath("broken");
     } else if (setup == "unknown screen") {
-        QFile screen(m_dir.filePath("unknown.json"));
-        QVERIFY(screen.open(QIODevice::WriteOnly));
-        screen.write(R"({"components": [{"class": "TFNoSuchComponent"}]})");
-        all << "--screen" << screen.fileName();
+        all << "--screen" << writeFile(m_dir.filePath("unknown.json"), R"({"components": [{"class": "TFNoSuchComponent"}]})");
     }
     const int requestsBefore = m_relay.requestCount();
     Run run;
