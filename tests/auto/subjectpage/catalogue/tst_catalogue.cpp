@@ -66,7 +66,7 @@ QString compareColumn(const QJsonObject& column, const HeaderFieldInfo& field, c
     // (file key, expected, actual): a key the file leaves out is not checked.
     const QList<std::tuple<bool, QVariant, QVariant>> checks {
         { true, column.value(isBand ? "band" : "field").toString(), field.fieldName },
-        { true, ownerBand.isEmpty() ? QString() : ownerBand, field.ownerBand == "0" ? QString() : field.ownerBand },
+        { true, ownerBand, field.ownerBand == "0" ? QString() : field.ownerBand },
         { column.contains("caption"), column.value("caption").toString(), field.caption },
         { isBand || column.contains("kind"), kind, field.columnType },
         { column.contains("type"), column.value("type").toString(), field.valueType },
