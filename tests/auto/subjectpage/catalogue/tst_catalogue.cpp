@@ -1,16 +1,14 @@
 #include "../jsonparser/shared/messagelog.h"
-#include "../pipeline/shared/documenttables.h"
 
-#include "expression/expressionparse.h"
 #include "jsonparser/tfchartviewjsontable.h"
 #include "jsonparser/tfchildviewjsontable.h"
-#include "jsonparser/tfheaderbuilder.h"
 #include "jsonparser/tfheaderfieldconfigdata.h"
 #include "jsonparser/tfjsonparser.h"
-#include "jsonparser/tfrowbuilder.h"
+#include "jsonparser/tfobjectviewconfigtable.h"
+#include "jsonparser/tfsummaryjsontable.h"
+#include "jsonparser/tfviewconfigtable.h"
 #include "mulittable/tfheaderdatastruct.h"
 #include "mulittable/tfsubjecttablemodel.h"
-#include "mulittable/tfunboundexpression.h"
 
 #include "subjectservice.h"
 
@@ -24,33 +22,22 @@
 #include <memory>
 #include <tuple>
 
-using TFSubject::TFJsonParser;
-
 namespace {
 
-// One view read the way the table widget reads it: header, rows with their
-// derived cells, and the model over them.
-struct ViewTable
+// One view as the page reads it: the parser builds the header into a tree
+// of its own and the cell rows, and the model shows them.
+struct ShownView
 {
-    explicit ViewTable(const QJsonObject& document) : tables(document)
+    bool open(const QJsonObject& document)
     {
-        const TFSubject::ExpressionParseSource source = [this] { return &parser; };
-        TFSubject::buildHeader(&root, tables.view.get(), tables.objectView.get(), tables.summary.get(), source);
-        const bool cross = TFSubject::usesCrossColumns(tables.view.get(), tables.summary.get());
-        unbound.reset(new TFUnboundExpression(source));
-        TFSubject::TFRowBuilder builder(root.leaves(), unbound.get(), [&](const QString& name) {
-            return TFSubject::referenceField(name, cross, tables.summary.get(), tables.objectView.get()).valueType;
-        });
-        raw = tables.data.rows();
-        model.setHeader(&root);
-        model.setRows(builder.build(raw));
+        const bool parsed = parser.parseConfig(document, &header);
+        model.setHeader(&header);
+        model.setRows(parser.rows());
+        return parsed;
     }
 
-    DocumentTables tables;
-    TFTreeStruct root { QString() };
-    ExpressionParse parser;
-    std::unique_ptr<TFUnboundExpression> unbound;
-    QList<QVariantMap> raw;
+    TFTreeStruct header { QString() };
+    TFSubject::TFJsonParser parser;
     TFSubjectTableModel model;
 };
 
@@ -145,7 +132,6 @@ private:
     QNetworkAccessManager m_network;
     QList<QJsonObject> m_files;
     QHash<qint64, QJsonObject> m_documents;
-    TFTreeStruct m_bandTree { QString() };
 };
 
 void tst_Catalogue::initTestCase()
@@ -202,16 +188,14 @@ void tst_Catalogue::view()
     const QJsonObject properties = file.value("properties").toObject();
     const QJsonObject document = m_documents.value(viewId);
 
-    TFJsonParser parser;
-    QSignalSpy announced(&parser, &TFJsonParser::signalSubTableJsonData);
-    {
-        // Every JSON text inside the document parses; a band that hands its
-        // unit factors down says so, which is no error.
-        MessageLog log;
-        QVERIFY(parser.parseConfig(document, &m_bandTree));
-        const QStringList debug = log.messages(QtDebugMsg).filter(QRegularExpression("^(?!unit test:)"));
-        QCOMPARE(debug, QStringList());
-    }
+    ShownView shown;
+    QSignalSpy announced(&shown.parser, &TFSubject::TFJsonParser::signalSubTableJsonData);
+    MessageLog log;
+    QVERIFY(shown.open(document));
+    // Every JSON text inside the document parses; a band that hands its unit
+    // factors down says so, which is no error.
+    QCOMPARE(log.messages(QtDebugMsg).filter(QRegularExpression("^(?!unit test:)")), QStringList());
+    const TFSubject::TFJsonParser& parser = shown.parser;
     QCOMPARE(parser.objectViewName(), file.value("name").toString());
     TFViewConfigTable* view = parser.viewConfigTable();
     QVERIFY(view);
@@ -332,14 +316,14 @@ void tst_Catalogue::view()
 
     // Rows and model as the grid reads them: a column without an expression
     // holds the wire's value in every row.
-    ViewTable table(document);
-    const QList<TFTreeStruct*> leaves = table.root.leaves();
-    QCOMPARE(table.model.rowCount(), table.raw.size());
-    QCOMPARE(table.model.columnCount(), leaves.size());
+    const QList<TFTreeStruct*> leaves = shown.header.leaves();
+    const QList<QVariantMap> raw = parser.dataMaps();
+    QCOMPARE(shown.model.rowCount(), raw.size());
+    QCOMPARE(shown.model.columnCount(), leaves.size());
     for (int c = 0; c < leaves.size(); ++c) {
         const QString field = leaves.at(c)->info().fieldName;
-        for (int r = 0; r < table.raw.size() && leaves.at(c)->info().unboundExpression.isEmpty(); ++r) {
-            QVERIFY2(table.model.index(r, c).data(TFSubjectTableModel::RawValueRole) == table.raw.at(r).value(field),
+        for (int r = 0; r < raw.size() && leaves.at(c)->info().unboundExpression.isEmpty(); ++r) {
+            QVERIFY2(shown.model.index(r, c).data(TFSubjectTableModel::RawValueRole) == raw.at(r).value(field),
                      qPrintable(QStringLiteral("row %1 %2").arg(r).arg(field)));
         }
     }
@@ -378,9 +362,10 @@ void tst_Catalogue::shownText()
     QFETCH(QString, field);
     QFETCH(QString, text);
     QFETCH(QString, color);
-    ViewTable table(m_documents.value(viewId));
+    ShownView table;
+    QVERIFY(table.open(m_documents.value(viewId)));
     int column = 0;
-    const QList<TFTreeStruct*> leaves = table.root.leaves();
+    const QList<TFTreeStruct*> leaves = table.header.leaves();
     while (column < leaves.size() && leaves.at(column)->info().fieldName != field)
         ++column;
     QVERIFY2(column < leaves.size(), qPrintable(field));
