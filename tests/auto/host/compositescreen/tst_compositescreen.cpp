@@ -53,13 +53,10 @@ class tst_CompositeScreen : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
-    void buildsComponentsByName();
-    void globalArgumentsReachComponents();
+    void loadAndSave();
     void bindingDialogAnswersThroughTheInvoker();
-    void settingsChangedSavesTheStates();
     void badDocuments_data();
     void badDocuments();
-    void unknownClassLeavesANoteAndIsKept();
     void argumentBarSetsAndAddsArguments();
 
 private:
@@ -80,41 +77,6 @@ void tst_CompositeScreen::initTestCase()
 {
     QVERIFY(m_dir.isValid());
     TFFactory<QWidget>::constructors().insert("NoteComponent", [](QWidget *parent) { return new NoteComponent(parent); });
-}
-
-void tst_CompositeScreen::buildsComponentsByName()
-{
-    const QString file = writeScreen("two.json", R"({"title": "Desk", "args": {"secu": "600000"},
-        "components": [{"class": "NoteComponent", "state": {"version": "1.0.0", "note": "first", "objVwId": 260}},
-                       {"class": "NoteComponent"}]})");
-    CompositeScreen screen;
-    QString error;
-    QVERIFY2(screen.load(file, &error), qPrintable(error));
-    QCOMPARE(screen.title(), QString("Desk"));
-    QCOMPARE(screen.components().size(), 2);
-    auto *first = qobject_cast<NoteComponent *>(screen.components().at(0));
-    auto *second = qobject_cast<NoteComponent *>(screen.components().at(1));
-    QVERIFY(first && second);
-    QCOMPARE(first->screen, screen.screenObject());
-    QCOMPARE(first->note, QString("first"));
-    QCOMPARE(first->restored.value("objVwId").toLongLong(), 260);
-    QVERIFY(second->restored.isEmpty());   // no state: restore is not called
-    QCOMPARE(screen.screenObject()->property("args").toMap().value("secu").toString(), QString("600000"));
-}
-
-void tst_CompositeScreen::globalArgumentsReachComponents()
-{
-    CompositeScreen screen;
-    QString error;
-    QVERIFY(screen.loadDocument(QJsonDocument::fromJson(R"({"components": [{"class": "NoteComponent"}]})").object(), &error));
-    auto *component = qobject_cast<NoteComponent *>(screen.components().at(0));
-    QSignalSpy spy(screen.screenObject(), &ScreenObject::argsChanged);
-    screen.screenObject()->setArg("objVwId", QString::fromUtf8("股票|260"));
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(component->seenArgs.size(), 1);
-    QCOMPARE(component->seenArgs.at(0).value("objVwId").toString(), QString::fromUtf8("股票|260"));
-    screen.screenObject()->setArg("objVwId", QString::fromUtf8("股票|260"));   // the same again
-    QCOMPARE(spy.count(), 1);
 }
 
 // A component binds a view to a global argument by calling getArgsDlg by
@@ -138,26 +100,6 @@ void tst_CompositeScreen::bindingDialogAnswersThroughTheInvoker()
     InvokerBase changed;
     QVERIFY(changed.invoke(&screen, "settingsChanged"));
     QCOMPARE(spy.count(), 1);
-}
-
-void tst_CompositeScreen::settingsChangedSavesTheStates()
-{
-    const QString file = writeScreen("saved.json", R"({"title": "Kept", "args": {"k": "v"},
-        "components": [{"class": "NoteComponent", "state": {"note": "before"}}]})");
-    CompositeScreen screen;
-    QString error;
-    QVERIFY2(screen.load(file, &error), qPrintable(error));
-    qobject_cast<NoteComponent *>(screen.components().at(0))->note = "after";
-    QVERIFY(QMetaObject::invokeMethod(screen.screenObject(), "settingsChanged"));
-
-    QFile saved(file);
-    QVERIFY(saved.open(QIODevice::ReadOnly));
-    const QJsonObject document = QJsonDocument::fromJson(saved.readAll()).object();
-    QCOMPARE(document.value("title").toString(), QString("Kept"));
-    QCOMPARE(document.value("args").toObject().value("k").toString(), QString("v"));
-    const QJsonObject state = document.value("components").toArray().at(0).toObject().value("state").toObject();
-    QCOMPARE(state.value("note").toString(), QString("after"));
-    QCOMPARE(state.value("version").toString(), QString("1.0.0"));
 }
 
 void tst_CompositeScreen::badDocuments_data()
@@ -192,33 +134,51 @@ void tst_CompositeScreen::badDocuments()
     QCOMPARE(missing.failure(), CompositeScreen::BadDocument);
 }
 
-// One unknown class among known ones: a note stands in its place, the
-// others work, and saving keeps the entry as it was.
-void tst_CompositeScreen::unknownClassLeavesANoteAndIsKept()
+// Components made by class name find the screen, take their states and
+// follow the global arguments; an unknown class among them leaves a note in
+// its place, and saving keeps its entry as it was.
+void tst_CompositeScreen::loadAndSave()
 {
-    const QString file = writeScreen("mixed.json", R"({"args": {"k": "v"}, "components": [
-        {"class": "TFNoSuch", "state": {"keep": "me"}}, {"class": "NoteComponent", "state": {"note": "n"}}]})");
+    const QString file = writeScreen("mixed.json", R"({"title": "Desk", "args": {"k": "v"}, "components": [
+        {"class": "TFNoSuch", "state": {"keep": "me"}},
+        {"class": "NoteComponent", "state": {"version": "1.0.0", "note": "n", "objVwId": 260}},
+        {"class": "NoteComponent"}]})");
     CompositeScreen screen;
     QString error;
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("no component \"TFNoSuch\" is registered.*other components go on"));
     QVERIFY2(screen.load(file, &error), qPrintable(error));
     QCOMPARE(screen.failure(), CompositeScreen::NoFailure);
-    QCOMPARE(screen.components().size(), 2);
+    QCOMPARE(screen.title(), QString("Desk"));
+    QCOMPARE(screen.components().size(), 3);
     auto *note = qobject_cast<QLabel *>(screen.components().at(0));
     QVERIFY(note && note->text().contains("TFNoSuch"));
     auto *working = qobject_cast<NoteComponent *>(screen.components().at(1));
-    QVERIFY(working);
+    auto *stateless = qobject_cast<NoteComponent *>(screen.components().at(2));
+    QVERIFY(working && stateless);
+    QCOMPARE(working->screen, screen.screenObject());
     QCOMPARE(working->note, QString("n"));
-    screen.screenObject()->setArg("k", "w");
-    QCOMPARE(working->seenArgs.size(), 1);
+    QCOMPARE(working->restored.value("objVwId").toLongLong(), 260);
+    QVERIFY(stateless->restored.isEmpty());   // no state: restore is not called
 
+    QSignalSpy changed(screen.screenObject(), &ScreenObject::argsChanged);
+    screen.screenObject()->setArg("k", QString::fromUtf8("股票|260"));
+    screen.screenObject()->setArg("k", QString::fromUtf8("股票|260"));   // the same again: no change
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(working->seenArgs, (QList<QVariantMap>{ { { "k", QString::fromUtf8("股票|260") } } }));
+
+    working->note = "after";
     QVERIFY(QMetaObject::invokeMethod(screen.screenObject(), "settingsChanged"));
     QFile saved(file);
     QVERIFY(saved.open(QIODevice::ReadOnly));
-    const QJsonArray components = QJsonDocument::fromJson(saved.readAll()).object().value("components").toArray();
-    QCOMPARE(components.size(), 2);
+    const QJsonObject document = QJsonDocument::fromJson(saved.readAll()).object();
+    QCOMPARE(document.value("title").toString(), QString("Desk"));
+    QCOMPARE(document.value("args").toObject().value("k").toString(), QString::fromUtf8("股票|260"));
+    const QJsonArray components = document.value("components").toArray();
+    QCOMPARE(components.size(), 3);
     QCOMPARE(components.at(0).toObject(), QJsonDocument::fromJson(R"({"class": "TFNoSuch", "state": {"keep": "me"}})").object());
-    QCOMPARE(components.at(1).toObject().value("state").toObject().value("note").toString(), QString("n"));
+    const QJsonObject state = components.at(1).toObject().value("state").toObject();
+    QCOMPARE(state.value("note").toString(), QString("after"));
+    QCOMPARE(state.value("version").toString(), QString("1.0.0"));
 }
 
 // The bar edits a global argument, adds one, and the document keeps both.
