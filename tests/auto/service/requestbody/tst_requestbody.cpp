@@ -119,6 +119,8 @@ void tst_RequestBody::serviceDate_data()
     QTest::newRow("date in brackets") << QJsonValue("[2023-12-31]") << QDate(2023, 12, 31);
     QTest::newRow("service date east") << QJsonValue("/Date(1596124800000+0800)") << QDate(2020, 7, 31);
     QTest::newRow("service date west") << QJsonValue("/Date(1596124800000-0500)") << QDate(2020, 7, 30);
+    // 01:00 UTC on the 31st is still the 30th five hours west.
+    QTest::newRow("service date west, the day before") << QJsonValue("/Date(1596157200000-0500)") << QDate(2020, 7, 30);
     QTest::newRow("service date with closing slash") << QJsonValue("/Date(1596124800000+0800)/") << QDate(2020, 7, 31);
     QTest::newRow("words") << QJsonValue("today") << QDate();
     QTest::newRow("bad month") << QJsonValue("2024-13-01") << QDate();

@@ -272,8 +272,7 @@ void tst_SubjectService::viewRows_data()
         "filterParams":{"YM_0":"'2024-1'","YM_1":"'2024-1'"}})j", 100, "rcount=2000 pindex=1 psize=100");
     row("configuration still filters by its own", R"j({"flag":0,"filter":"(YM >= :YM_0) && (MKT == :MKT_0)",
         "filterParams":{"YM_0":"'2024-1'","MKT_0":"no such market"}})j", 0, "rcount=0");
-    row("report date as text", R"j({"obj_vw_id":264,"REPORT_DATE":"2024-09-30"})j", 200, "rcount=2000",
-        "END_DATE", "2024-09-30");
+    row("report date as text", R"j({"obj_vw_id":264,"REPORT_DATE":"2024-09-30"})j", 200, "rcount=2000", "END_DATE", "2024-09-30");
     row("report date as service date", R"j({"obj_vw_id":264,"REPORT_DATE":"/Date(1719676800000+0800)"})j", 200,
         "rcount=2000", "END_DATE", "2024-06-30");
     row("report date in brackets", R"j({"obj_vw_id":264,"REPORT_DATE":"[2023-12-31]"})j", 200, "rcount=2000",
@@ -351,12 +350,10 @@ void tst_SubjectService::filterTranslation_data()
     rows("greater", "(CHG_PCT > :CHG_PCT_0)", R"j({"CHG_PCT_0":5})j", "CHG_PCT > 5", 5);
     rows("greater or equal, number in text", "(CHG_PCT >= :p)", R"j({"p":"4.5"})j", "CHG_PCT >= 4.5", 5);
     rows("less or equal, date", "(LIST_DATE <= :d)", R"j({"d":"2000-01-01"})j", "LIST_DATE <= '2000-01-01'", 10);
-    rows("date with time in brackets", "(LIST_DATE <= :d)", R"j({"d":"[2000-01-01 23:59:59]"})j",
-         "LIST_DATE <= '2000-01-01'", 10);
+    rows("date with time in brackets", "(LIST_DATE <= :d)", R"j({"d":"[2000-01-01 23:59:59]"})j", "LIST_DATE <= '2000-01-01'", 10);
     rows("a day's last second excludes the day", "(LIST_DATE >= :d)", R"j({"d":"[2000-01-01 23:59:59]"})j",
          "LIST_DATE > '2000-01-01'", 100);
-    rows("midnight is the day itself", "(LIST_DATE >= :d)", R"j({"d":"[2000-01-01 00:00:00]"})j",
-         "LIST_DATE >= '2000-01-01'", 100);
+    rows("midnight is the day itself", "(LIST_DATE >= :d)", R"j({"d":"[2000-01-01 00:00:00]"})j", "LIST_DATE >= '2000-01-01'", 100);
     rows("equal date", "(TRADE_DATE == :d)", R"j({"d":"2024-12-31"})j", "TRADE_DATE = '2024-12-31'", 2000);
     rows("equal date at a time of day", "(TRADE_DATE == :d)", R"j({"d":"[2024-12-31 23:59:59]"})j", "0", 0);
     rows("greater than a service date", "(LIST_DATE > :d)", R"j({"d":"/Date(946656000000+0800)"})j",
@@ -365,16 +362,14 @@ void tst_SubjectService::filterTranslation_data()
          "LIST_DATE <= '1999-12-31'", 10);
     rows("service date in brackets", "(LIST_DATE >= :d)", R"j({"d":"[/Date(946656000000+0800)]"})j",
          "LIST_DATE >= '2000-01-01'", 100);
-    rows("not equal to a date", "(LIST_DATE != :d)", R"j({"d":"[2000-01-01 00:00:00]"})j",
-         "LIST_DATE <> '2000-01-01'", 100);
+    rows("not equal to a date", "(LIST_DATE != :d)", R"j({"d":"[2000-01-01 00:00:00]"})j", "LIST_DATE <> '2000-01-01'", 100);
     rows("interval of a day", "(LIST_DATE >= :LIST_DATE_0) && (LIST_DATE <= :LIST_DATE_1)",
          R"j({"LIST_DATE_0":"[2010-01-01 00:00:00]","LIST_DATE_1":"[2010-12-31 23:59:59]"})j",
          "LIST_DATE BETWEEN '2010-01-01' AND '2010-12-31'", 10);
     rows("dates in a list, mixed forms", "(LIST_DATE in :d)",
          R"j({"d":["2000-02-13","[2006-12-13 00:00:00]","/Date(1662912000000+0800)"]})j",
          "LIST_DATE IN ('2000-02-13','2006-12-13','2022-09-12')", 10);
-    rows("date not in one scalar", "(LIST_DATE nin :d)", R"j({"d":"[2000-02-13 00:00:00]"})j",
-         "LIST_DATE <> '2000-02-13'", 1990);
+    rows("date not in one scalar", "(LIST_DATE nin :d)", R"j({"d":"[2000-02-13 00:00:00]"})j", "LIST_DATE <> '2000-02-13'", 1990);
     rows("date as text with like", "(LIST_DATE like :d)", R"j({"d":"2010-"})j", "LIST_DATE LIKE '2010-%'", 10);
     rows("flags sharing a bit", "(SECU_ID && :f)", R"j({"f":1})j", "(SECU_ID & 1) <> 0", 100);
     rows("flags in text", "(SECU_ID && :f)", R"j({"f":"6"})j", "(SECU_ID & 6) <> 0", 100);
@@ -523,8 +518,7 @@ void tst_SubjectService::badInput_data()
     view("filter not text", R"j({"obj_vw_id":260,"flag":1,"filter":5})j", "filter");
     view("filterParams not object", R"j({"obj_vw_id":260,"flag":1,"filter":"","filterParams":[1]})j", "filterParams");
     view("order direction", R"j({"obj_vw_id":260,"flag":1,"order":{"PE":2}})j", "order");
-    view("order on a field of words", R"j({"obj_vw_id":260,"flag":1,"order":{"CHG_PCT; DROP TABLE stock":-1}})j",
-         "unknown field");
+    view("order on a field of words", R"j({"obj_vw_id":260,"flag":1,"order":{"CHG_PCT; DROP TABLE stock":-1}})j", "unknown field");
     view("rows refuse foreign fields", R"j({"obj_vw_id":260,"flag":1,"filter":"(YM >= :YM_0)","filterParams":{"YM_0":"'2024-1'"}})j",
          "unknown field");
     view("parameter of wrong type", R"j({"obj_vw_id":264,"flag":1,"REPORT_DATE":"soon"})j", "wrong type");

@@ -139,8 +139,7 @@ void tst_TFWXRSHttp::post_data()
     QTest::newRow("http") << Peer::Answers << false << true << answer;
     // The certificate is self-signed and names no trusted issuer.
     QTest::newRow("https, untrusted certificate") << Peer::Answers << true << true << answer;
-    QTest::newRow("HTTP 500: its text, not its body") << Peer::Fails500 << false << false
-                                                      << QByteArray("Internal Server Error");
+    QTest::newRow("HTTP 500: its text, not its body") << Peer::Fails500 << false << false << QByteArray("Internal Server Error");
     QTest::newRow("connection refused") << Peer::Refuses << false << false << QByteArray("refused");
     // The network layer refuses the step down to plain http and reports it
     // as an error of the reply: the request ends there, as a failure.
