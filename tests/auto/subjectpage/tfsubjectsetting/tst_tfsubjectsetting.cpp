@@ -1,15 +1,8 @@
-#include "tfframesubjectzhp.h"
-#include "tfmainview.h"
-#include "tfrightcontainer.h"
+#include "screenstub.h"
 #include "tfsubjectsetting.h"
-#include "tfsubjecttablewidget.h"
 
 #include "filterwidget/tffilterwidget.h"
-#include "mulittable/tfsubjecttablemodel.h"
-#include "screenstub.h"
-#include "subjectservice.h"
 #include "tfcore/tfcore.h"
-#include "tfcore/tfserviceconfig.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -19,7 +12,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -27,13 +19,10 @@
 #include "webenginetestmain.h"
 
 #include <functional>
-#include <memory>
 
 Q_DECLARE_METATYPE(QList<FilterParam::Cntrl>)
 
 namespace {
-
-const char kServiceKey[] = "servercfg.ini:Subject";
 
 // "caption(child,child)" for each root, joined by " ".
 QString treeText(const QList<TFJsonObjNode *> &nodes)
@@ -67,21 +56,23 @@ FilterParam::Cntrl control(const QString &objName, const QString &key, const QVa
     return c;
 }
 
-int rowsShown(const TFFrameSubjectZHP &frame)
-{
-    auto *table = qobject_cast<TFSubjectTableWidget *>(frame.rightContainer()->mainView()->currentView());
-    return table && table->model() ? table->model()->rowCount() : 0;
-}
-
 } // namespace
 
 class tst_TFSubjectSetting : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void cleanup();
+    void initTestCase()
+    {
+        QString error;
+        QVERIFY2(m_service.start(&error), qPrintable(error));
+        TFCore::instance()->setIniDirectory(m_service.dir.filePath("ini"));
+    }
+    void cleanup()
+    {
+        QThreadPool::globalInstance()->waitForDone(30000);
+        QFile::remove(m_service.dir.filePath("ini/zhp.ini"));
+    }
     void form();
     void makeTree_data();
     void makeTree();
@@ -90,44 +81,22 @@ private slots:
     void topicRoots_data();
     void topicRoots();
     void navigationTree();
-    void checkBoxes_data();
-    void checkBoxes();
     void dialog_data();
     void dialog();
 
 private:
-    QTemporaryDir m_dir;
-    std::unique_ptr<SubjectService::Server> m_server;
+    void writeIni(const QByteArray &text)
+    {
+        QVERIFY(QDir().mkpath(m_service.dir.filePath("ini")));
+        QFile file(m_service.dir.filePath("ini/zhp.ini"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    ComponentService m_service;
 };
 
-void tst_TFSubjectSetting::initTestCase()
-{
-    TFTableModelData::registerRowDataType();
-    QVERIFY(m_dir.isValid());
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
-    SubjectService::Options options;
-    options.dbPath = m_dir.filePath(QStringLiteral("setting.sqlite"));
-    m_server.reset(new SubjectService::Server(options));
-    QString error;
-    QVERIFY2(m_server->start(&error), qPrintable(error));
-    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), m_server->baseUrl());
-    TFCore::instance()->setIniDirectory(m_dir.filePath("ini"));
-}
-
-void tst_TFSubjectSetting::cleanupTestCase()
-{
-    QThreadPool::globalInstance()->waitForDone(30000);
-    if (m_server)
-        m_server->stop();
-}
-
-void tst_TFSubjectSetting::cleanup()
-{
-    QThreadPool::globalInstance()->waitForDone(30000);
-    QFile::remove(m_dir.filePath("ini/zhp.ini"));
-}
-
-// The names that style sheets and the dialog's shell find the parts by.
+// The names that style sheets and the dialog's shell find the parts by, and
+// their texts. A checked box hides its part: the signal says "not visible".
 void tst_TFSubjectSetting::form()
 {
     TFSubjectSetting setting("x:1");
@@ -142,13 +111,24 @@ void tst_TFSubjectSetting::form()
         QVERIFY2(child, qPrintable(expected.first));
         QCOMPARE(child->property("text").toString(), expected.second);
     }
-    for (const char *name : {"fmTitle", "fmGlArgs", "fmSetting_2", "fmSetting"})
-        QVERIFY2(setting.findChild<QFrame *>(name), name);
-    QVERIFY(setting.findChild<QTreeWidget *>("twNavTree"));
-    QVERIFY(setting.findChild<QComboBox *>("cbNodeCode"));
-    QVERIFY(setting.findChild<QLabel *>("lbUserSelectedTip"));
-    QVERIFY(setting.findChild<TFFilterWidget *>("fmFilter"));
-    QVERIFY(!setting.findChild<QObject *>("txtTitle"));
+    QVERIFY(setting.findChild<QTreeWidget *>("twNavTree") && setting.findChild<QComboBox *>("cbNodeCode"));
+    QVERIFY(setting.findChild<QLabel *>("lbUserSelectedTip") && setting.findChild<TFFilterWidget *>("fmFilter"));
+
+    setting.show();
+    const QList<QPair<const char *, const char *>> boxes = {
+        {"cbHideFilterBar", SIGNAL(signalFilterWidgetVisibleSettingChanged(bool))},
+        {"cbHideMainView", SIGNAL(signalMainViewVisibleSettingChanged(bool))},
+        {"cbHideChildView", SIGNAL(signalSubViewVisibleSettingChanged(bool))},
+        {"cbHidePageBar", SIGNAL(signalPageBarVisibleChanged(bool))}};
+    for (const auto &[box, signal] : boxes) {
+        QSignalSpy spy(&setting, signal);
+        auto *check = setting.findChild<QCheckBox *>(box);
+        QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
+        QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(0).at(0).toBool(), false);
+        QCOMPARE(spy.at(1).at(0).toBool(), true);
+    }
 }
 
 void tst_TFSubjectSetting::makeTree_data()
@@ -244,12 +224,8 @@ void tst_TFSubjectSetting::topicRoots()
     QFETCH(QString, list);
     QFETCH(QByteArray, ini);
     QFETCH(QStringList, items);
-    if (!ini.isEmpty()) {
-        QVERIFY(QDir().mkpath(m_dir.filePath("ini")));
-        QFile file(m_dir.filePath("ini/zhp.ini"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(ini);
-    }
+    if (!ini.isEmpty())
+        writeIni(ini);
     TFSubjectSetting setting(list);
     auto *combo = setting.findChild<QComboBox *>("cbNodeCode");
     QStringList shown;
@@ -291,32 +267,6 @@ void tst_TFSubjectSetting::navigationTree()
     QCOMPARE(refresh.count(), 1);
 }
 
-void tst_TFSubjectSetting::checkBoxes_data()
-{
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QByteArray>("signal");
-    QTest::newRow("filter bar") << "cbHideFilterBar" << QByteArray(SIGNAL(signalFilterWidgetVisibleSettingChanged(bool)));
-    QTest::newRow("main view") << "cbHideMainView" << QByteArray(SIGNAL(signalMainViewVisibleSettingChanged(bool)));
-    QTest::newRow("child views") << "cbHideChildView" << QByteArray(SIGNAL(signalSubViewVisibleSettingChanged(bool)));
-    QTest::newRow("page bar") << "cbHidePageBar" << QByteArray(SIGNAL(signalPageBarVisibleChanged(bool)));
-}
-
-// A checked box hides its part: the signal says "not visible".
-void tst_TFSubjectSetting::checkBoxes()
-{
-    QFETCH(QString, box);
-    QFETCH(QByteArray, signal);
-    TFSubjectSetting setting("x:1");
-    setting.show();
-    QSignalSpy spy(&setting, signal.constData());
-    auto *check = setting.findChild<QCheckBox *>(box);
-    QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
-    QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
-    QCOMPARE(spy.count(), 2);
-    QCOMPARE(spy.at(0).at(0).toBool(), false);
-    QCOMPARE(spy.at(1).at(0).toBool(), true);
-}
-
 void tst_TFSubjectSetting::dialog_data()
 {
     QTest::addColumn<QString>("choose");       // a view to pick in the tree, or none
@@ -348,11 +298,7 @@ void tst_TFSubjectSetting::dialog()
     QFETCH(bool, mainViewVisible);
     QFETCH(int, settingsChanged);
 
-    QVERIFY(QDir().mkpath(m_dir.filePath("ini")));
-    QFile ini(m_dir.filePath("ini/zhp.ini"));
-    QVERIFY(ini.open(QIODevice::WriteOnly));
-    ini.write("[Settings]\nlist=\"股票专题:2,债券专题:311\"\n");
-    ini.close();
+    writeIni("[Settings]\nlist=\"股票专题:2,债券专题:311\"\n");
 
     ScreenStub screen;
     screen.setArgs({{"view", "债券一览|3110"}, {"PROVINCE", "北京"}});
@@ -364,10 +310,9 @@ void tst_TFSubjectSetting::dialog()
     auto *frame = new TFFrameSubjectZHP(&parent);
     layout->addWidget(frame);
     parent.show();
-    const QVariantMap state{{"version", "1.0.0"},     {"titleVisible", true},  {"filterVisible", true},
-                            {"mainViewVisible", true}, {"subViewVisible", true}, {"pageBarVisible", true},
-                            {"objVwId", 260},          {"title", "沪深A股行情"}, {"objVwIdBinder", ""},
-                            {"filterMap", QVariantMap()}};
+    QVariantMap state = componentState(260, "沪深A股行情");
+    state.insert("pageBarVisible", true);
+    state.insert("filterMap", QVariantMap());
     frame->restore(state);
     QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
 

@@ -58,8 +58,6 @@ private slots:
     void runawayScriptIsInterrupted();
     void evalFunction_data();
     void evalFunction();
-    void evalFunctionAcrossTheCalendar_data();
-    void evalFunctionAcrossTheCalendar();
     void stringOperations_data();
     void stringOperations();
 };
@@ -73,46 +71,32 @@ void tst_ExpressionParse::parse_data()
     const Row ab{ { "A", "1" }, { "B", "2.5" } };
     QTest::newRow("sum of fields") << "[A]+[B]" << ab << QVariant(3.5);
     QTest::newRow("division by zero") << "[A]/[B]" << Row{ { "A", "1" }, { "B", "0" } } << QVariant();
-    QTest::newRow("zero by zero") << "[A]/[B]" << Row{ { "A", "0" }, { "B", "0" } } << QVariant();
     QTest::newRow("leading equals sign") << "[A]" << Row{ { "A", "=5" } } << QVariant(5);
     QTest::newRow("thousands separator reads as 0") << "[A]+1" << Row{ { "A", "1,000" } } << QVariant(1);
     QTest::newRow("exponent text reads as 0") << "[A]+1" << Row{ { "A", "1e5" } } << QVariant(1);
     QTest::newRow("beyond 32 bits reads as 0") << "[A]+1" << Row{ { "A", "3000000000" } } << QVariant(1);
     QTest::newRow("fixed notation, six places")
         << "[A]*1000000" << Row{ { "A", "0.12345678" } } << QVariant(123457);
-    QTest::newRow("numbers as variants")
-        << "[A]*[B]" << Row{ { "A", 2.5 }, { "B", 4 } } << QVariant(10);
-    QTest::newRow("growth in percent")
-        << "([A]-[B])/[B]*100" << Row{ { "A", "110" }, { "B", "88" } } << QVariant(25);
-    QTest::newRow("remainder") << "[A]%[B]" << Row{ { "A", "7" }, { "B", "3" } } << QVariant(1);
     QTest::newRow("precedence is the engine's") << "1+[A]*2" << Row{ { "A", "3" } } << QVariant(7);
     QTest::newRow("negative value behind plus") << "[A]+[B]" << Row{ { "A", "1" }, { "B", "-5" } } << QVariant(-4);
-    QTest::newRow("negative value behind times") << "[A]*[B]" << Row{ { "A", "3" }, { "B", "-2" } } << QVariant(-6);
     // Spliced as text, "1-" and "-5" meet as "1--5", which the engine refuses.
     QTest::newRow("negative value behind minus") << "[A]-[B]" << Row{ { "A", "1" }, { "B", "-5" } } << QVariant();
-    QTest::newRow("negative fixed value behind minus")
-        << "[A]-[B]" << Row{ { "A", "1" }, { "B", "-0.5" } } << QVariant();
     QTest::newRow("two fields side by side glue into one number")
         << "[A][B]" << Row{ { "A", "1" }, { "B", "2" } } << QVariant(12);
-    QTest::newRow("same field twice") << "[A]*[A]" << Row{ { "A", "1.5" } } << QVariant(2.25);
     QTest::newRow("missing field is a bare word") << "[A]+[C]" << ab << QVariant();
     QTest::newRow("key compared exactly") << "[a]+1" << ab << QVariant();
     QTest::newRow("unclosed bracket") << "1+[A" << ab << QVariant(2);
     QTest::newRow("caption with filter names")
         << QString::fromUtf8("[年份]+1") << Row{ { QString::fromUtf8("年份"), "2019" } } << QVariant(2020);
     QTest::newRow("true reads as 0") << "[A]+2" << Row{ { "A", true } } << QVariant(2);
-    QTest::newRow("constant") << "7/2" << Row() << QVariant(3.5);
     QTest::newRow("number with a trailing dot") << "1.+1" << Row() << QVariant(2);
-    QTest::newRow("parentheses") << "((1+2))*3" << Row() << QVariant(9);
     QTest::newRow("call at the start") << "todecimal(3.5)*2" << Row() << QVariant(7);
-    QTest::newRow("call behind an operator") << "2*todecimal(3.5)" << Row() << QVariant(7);
     QTest::newRow("field inside a merged call")
         << "1+todecimal([B])" << ab << QVariant(3.5);
     // A call at the start takes its brackets along unread, and todecimal
     // gets the text "[B]".
     QTest::newRow("field inside a call at the start") << "todecimal([B])*2" << ab << QVariant(0);
     QTest::newRow("year of today plus one") << "ofyear()+1" << Row() << QVariant(2027);
-    QTest::newRow("unknown function alone") << "round(1.5)" << Row() << QVariant();
     QTest::newRow("unknown function becomes empty") << "round(1.5)+2" << Row() << QVariant(2);
     QTest::newRow("unknown function behind an operator") << "2+round(1.5)" << Row() << QVariant();
     // "2025-12-31" reaches the engine as arithmetic.
@@ -153,31 +137,21 @@ void tst_ExpressionParse::gluedText_data()
     QTest::addColumn<QString>("glued");
 
     QTest::newRow("integer and fixed") << "[A]+[B]" << Row{ { "A", "1" }, { "B", "2.5" } } << "1+2.500000";
-    QTest::newRow("fixed with integral value") << "[A]*[B]" << Row{ { "A", "3.0" }, { "B", "2" } } << "3.000000*2";
     QTest::newRow("rounded to six places")
         << "[A]/[B]" << Row{ { "A", "1" }, { "B", "0.0000001" } } << "1/0.000000";
-    QTest::newRow("double variant")
-        << "[A]/3" << Row{ { "A", 1.0 / 3.0 } } << "0.333333/3";
     QTest::newRow("negative remainder")
         << "-[A]%[B]" << Row{ { "A", "7" }, { "B", "-3" } } << "-7%-3";
-    QTest::newRow("minus meets minus") << "[A]-[B]" << Row{ { "A", "1" }, { "B", "-5" } } << "1--5";
     QTest::newRow("plus meets minus") << "[A]+-[B]" << Row{ { "A", "1" }, { "B", "-5" } } << "1+--5";
     QTest::newRow("large fixed value")
         << "[A]-1" << Row{ { "A", "123456789012345.5" } } << "123456789012345.500000-1";
     QTest::newRow("infinite fixed value") << "[A]*0" << Row{ { "A", "1.5e400" } } << "inf*0";
     QTest::newRow("negative zero") << "1/[A]" << Row{ { "A", "-0.0000001" } } << "1/-0.000000";
-    QTest::newRow("nested parentheses")
-        << "(([A]+[B])*([A]-[B]))" << Row{ { "A", "4" }, { "B", "1.5" } }
-        << "((4+1.500000)*(4-1.500000))";
     QTest::newRow("merged call") << "[A]*todecimal(2.5)" << Row{ { "A", "2" } } << "2*2.5";
-    QTest::newRow("call at the start") << "todecimal(7)/[A]" << Row{ { "A", "2" } } << "7/2";
     QTest::newRow("year of today") << "[A]+ofyear()" << Row{ { "A", "1" } } << "1+2026";
-    QTest::newRow("negative call result") << "[A]+todecimal(-3)" << Row{ { "A", "1" } } << "1+-3";
     QTest::newRow("negative call result behind minus")
         << "[A]-todecimal(-3)" << Row{ { "A", "1" } } << "1--3";
     QTest::newRow("date call result") << "2*addyears(1)" << Row() << "2*2027-11-22";
     QTest::newRow("unknown call") << "[A]+round(1)" << Row{ { "A", "1" } } << "1+";
-    QTest::newRow("field inside a merged call") << "[A]+todecimal([A])" << Row{ { "A", "1" } } << "1+1";
     QTest::newRow("shortest double text")
         << "[A]*todecimal(0.30000000000000004)" << Row{ { "A", "3" } } << "3*0.30000000000000004";
     QTest::newRow("exponent call result") << "[A]*todecimal(1e21)" << Row{ { "A", "2" } } << "2*1e+21";
@@ -254,12 +228,9 @@ void tst_ExpressionParse::malformed_data()
     QTest::addColumn<QString>("formula");
 
     QTest::newRow("empty") << "";
-    QTest::newRow("operator alone") << "*";
     QTest::newRow("dangling operator") << "1+";
     QTest::newRow("unopened parenthesis") << "1+2)";
-    QTest::newRow("unclosed parenthesis") << "(1+2";
     QTest::newRow("two dots") << "1.2.3";
-    QTest::newRow("increment") << "1++2";
     QTest::newRow("dollar call") << "$today()";
     QTest::newRow("comparison") << "[A]<2";
     QTest::newRow("assignment") << "[A]=2";
@@ -267,16 +238,12 @@ void tst_ExpressionParse::malformed_data()
     QTest::newRow("line feed") << "1\n+2";
     QTest::newRow("empty field") << "[]";
     QTest::newRow("brackets only") << "[[[";
-    QTest::newRow("closing brackets") << "]]]";
-    QTest::newRow("open calls") << "a(b(c(d";
     QTest::newRow("field then parenthesis") << "[A](";
     QTest::newRow("deep nesting") << QString(5000, QLatin1Char('(')) + QLatin1Char('1');
     QTest::newRow("deep balanced nesting")
         << QString(5000, QLatin1Char('(')) + QLatin1Char('x') + QString(5000, QLatin1Char(')'));
     QTest::newRow("list result") << "getyearsbetrweemdate()";
     QTest::newRow("text function with no date") << "today(1)";
-    QTest::newRow("braces") << "{1}";
-    QTest::newRow("a lone comma") << ",";
 }
 
 // Every malformed formula gives an invalid result and leaves the parser fit
@@ -311,13 +278,10 @@ void tst_ExpressionParse::evalFunction_data()
 
     QTest::newRow("today") << "$today()" << "2026-11-22";
     QTest::newRow("without dollar") << "today()" << "2026-11-22";
-    QTest::newRow("two dollars") << "$$today()" << "2026-11-22";
     QTest::newRow("upper case") << "$TODAY()" << "2026-11-22";
     QTest::newRow("yesterday") << "$adddays(-1)" << "2026-11-21";
     QTest::newRow("empty argument text is no argument") << "$adddays()" << "";
     QTest::newRow("word argument") << "adddays(x)" << "";
-    QTest::newRow("year back") << "$addyears(-1)" << "2025-11-22";
-    QTest::newRow("month on") << "$addmonths(3)" << "2027-02-22";
     QTest::newRow("annual report") << "$getlastedyearreport()" << "2025-12-31";
     QTest::newRow("quarter end as date text") << "$fndgetlatestquarterlyreport()" << "2026-09-30";
     QTest::newRow("number") << "$todecimal(2.5)" << "2.5";
@@ -328,7 +292,6 @@ void tst_ExpressionParse::evalFunction_data()
     QTest::newRow("nested date into number") << "todecimal(adddays(1))" << "0";
     QTest::newRow("unknown") << "$round(1.5)" << "";
     QTest::newRow("no parenthesis") << "today" << "";
-    QTest::newRow("empty") << "" << "";
 }
 
 void tst_ExpressionParse::evalFunction()
@@ -339,31 +302,6 @@ void tst_ExpressionParse::evalFunction()
     QCOMPARE(parser.evalFunction(call), expected);
 }
 
-// Report dates as the period controls see them, around each deadline.
-void tst_ExpressionParse::evalFunctionAcrossTheCalendar_data()
-{
-    QTest::addColumn<QDate>("today");
-    QTest::addColumn<QString>("annual");
-    QTest::addColumn<QString>("quarter");
-
-    QTest::newRow("last of April") << QDate(2026, 4, 30) << "2024-12-31" << "2026-03-31";
-    QTest::newRow("first of May") << QDate(2026, 5, 1) << "2025-12-31" << "2026-03-31";
-    QTest::newRow("new year's eve") << QDate(2025, 12, 31) << "2024-12-31" << "2025-09-30";
-    QTest::newRow("new year's day") << QDate(2026, 1, 1) << "2024-12-31" << "2025-12-31";
-    QTest::newRow("leap day") << QDate(2024, 2, 29) << "2022-12-31" << "2023-12-31";
-}
-
-void tst_ExpressionParse::evalFunctionAcrossTheCalendar()
-{
-    QFETCH(QDate, today);
-    QFETCH(QString, annual);
-    QFETCH(QString, quarter);
-    setToday(today);
-    ExpressionParse parser;
-    QCOMPARE(parser.evalFunction(QStringLiteral("$getlastedyearreport()")), annual);
-    QCOMPARE(parser.evalFunction(QStringLiteral("=$fndgetlatestphaseyearreport()").mid(1)), quarter);
-}
-
 void tst_ExpressionParse::stringOperations_data()
 {
     QTest::addColumn<QString>("op");
@@ -372,7 +310,6 @@ void tst_ExpressionParse::stringOperations_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("add") << "+" << "1" << "2.5" << "3.5";
-    QTest::newRow("subtract") << "-" << "1" << "3" << "-2";
     QTest::newRow("multiply") << "*" << "1.5" << "2" << "3";
     QTest::newRow("general format") << "*" << "10000000" << "1" << "1e+07";
     QTest::newRow("word reads as 0") << "+" << "x" << "1" << "1";
@@ -381,7 +318,6 @@ void tst_ExpressionParse::stringOperations_data()
     // The divisor is tested as an integer.
     QTest::newRow("divide by a half") << "/" << "1" << "0.5" << "-99999999";
     QTest::newRow("remainder") << "%" << "7" << "3" << "1";
-    QTest::newRow("remainder by zero") << "%" << "7" << "0" << "-99999999";
     QTest::newRow("remainder of a fraction") << "%" << "7.9" << "2" << "0";
     QTest::newRow("remainder by minus one") << "%" << "-2147483648" << "-1" << "0";
 }
