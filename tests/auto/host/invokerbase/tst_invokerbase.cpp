@@ -1,7 +1,5 @@
 #include "tfcore/invokerbase.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtTest>
 
 // Stands for a host object whose methods a plug-in calls by name; "seen"

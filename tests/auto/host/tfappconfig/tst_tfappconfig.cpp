@@ -1,8 +1,5 @@
 #include "tfcore/tfappconfig.h"
 
-#include <QAtomicInt>
-#include <QSet>
-#include <QThreadPool>
 #include <QtTest>
 
 // Long values, so that a copy made without the lock would have time to see

@@ -2,10 +2,6 @@
 #include "tfcore/tfcore.h"
 #include "tfcore/tfglobalcss.h"
 
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QWidget>
 #include <QtTest>
 
@@ -88,8 +84,7 @@ void tst_TFCore::setCurrentSkin_data()
                                      << QStringList{"QHeaderView { image: " + sort.arg("white") + "; }\n"
                                                     "QLabel { image: url(\":/fixed.png\"); }",
                                                     "QHeaderView { image: " + sort.arg("black") + "; }"};
-    QTest::newRow("a missing sheet clears the style") << "subject/absent.css" << "black" << true
-                                                      << QStringList{"", ""};
+    QTest::newRow("a missing sheet clears the style") << "subject/absent.css" << "black" << true << QStringList{"", ""};
 }
 
 void tst_TFCore::setCurrentSkin()

@@ -1,8 +1,6 @@
 #include "tfcore/tfcore.h"
 #include "tfcore/tfserviceconfig.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 class tst_TFServiceConfig : public QObject

@@ -1,9 +1,6 @@
 #include "tfcore/tfwebview.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "webenginetestmain.h"

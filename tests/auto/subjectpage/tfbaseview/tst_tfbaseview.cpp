@@ -39,11 +39,12 @@ TFTableModelData::FilterData filterRow(const QString &field, const QString &op, 
 RowData mainRow()
 {
     RowData row;
-    for (const auto &pair : QList<QPair<QString, QVariant>>{{"SECU_ID", 1001}, {"COM_ID", 77}, {"NAME", "abc"}}) {
+    for (const auto &[field, value] : QList<QPair<QString, QVariant>>{{"SECU_ID", 1001}, {"COM_ID", 77}, {"NAME", "abc"}})
+    {
         TFTableModelData::tagCellValue cell;
-        cell.fieldName = pair.first;
+        cell.fieldName = field;
         cell.valueType = QStringLiteral("Int64");
-        cell.value = pair.second;
+        cell.value = value;
         row.append(cell);
     }
     return row;
@@ -74,19 +75,9 @@ class tst_TFBaseView : public QObject
     Q_OBJECT
 
 private slots:
-    void baseBehaviour();
     void childFilters_data();
     void childFilters();
 };
-
-void tst_TFBaseView::baseBehaviour()
-{
-    View view;
-    QCOMPARE(view.viewId(), qint64(-1));
-    QCOMPARE(view.TFBaseView::viewType(), -1);
-    QVERIFY(view.TFBaseView::order().key.isEmpty());
-    QVERIFY(qAbs(view.TFBaseView::startTime().msecsTo(QTime::currentTime())) < 1000);
-}
 
 void tst_TFBaseView::childFilters_data()
 {

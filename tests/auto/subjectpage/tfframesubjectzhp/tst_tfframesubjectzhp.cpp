@@ -2,9 +2,6 @@
 #include "tfcore/tffactory.h"
 
 #include <QAction>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSignalSpy>
 #include <QVBoxLayout>
 #include <QtTest>
 

@@ -1,6 +1,5 @@
 #include "net/tfjsp.h"
 
-#include <QJsonDocument>
 #include <QtTest>
 
 class tst_TFJSP : public QObject

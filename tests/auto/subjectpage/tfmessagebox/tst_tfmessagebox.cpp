@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QtTest>
 
 class tst_TFMessageBox : public QObject
@@ -35,8 +34,7 @@ void tst_TFMessageBox::showMsg_data()
     QTest::newRow("exactly fits") << QPoint(w - 300, h - 200) << QPoint(w - 300, h - 200);
     QTest::newRow("one pixel past the right edge") << QPoint(w - 299, 30) << QPoint(w - 599, 30);
     QTest::newRow("one pixel past the bottom edge") << QPoint(20, h - 199) << QPoint(20, h - 399);
-    QTest::newRow("bottom right corner: up and to the left") << QPoint(w - 10, h - 10)
-                                                             << QPoint(w - 310, h - 210);
+    QTest::newRow("bottom right corner: up and to the left") << QPoint(w - 10, h - 10) << QPoint(w - 310, h - 210);
 }
 
 // The box is modal and returns only when closed: it is inspected and closed

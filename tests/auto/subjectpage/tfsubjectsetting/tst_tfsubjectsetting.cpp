@@ -7,11 +7,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -20,7 +17,8 @@
 
 #include <functional>
 
-Q_DECLARE_METATYPE(QList<FilterParam::Cntrl>)
+using Controls = QList<FilterParam::Cntrl>;
+Q_DECLARE_METATYPE(Controls)
 
 namespace {
 
@@ -35,6 +33,17 @@ QString treeText(const QList<TFJsonObjNode *> &nodes)
         parts << text;
     }
     return parts.join(' ');
+}
+
+// "[code,parent,level,caption],..." as the service's rows of a topic tree.
+QByteArray nodes(const char *rows)
+{
+    QJsonArray out;
+    for (const QJsonValue &row : QJsonDocument::fromJson(QByteArray("[") + rows + "]").array()) {
+        const QJsonArray r = row.toArray();
+        out.append(QJsonObject{{"NODE_CODE", r.at(0)}, {"P_NODE_CODE", r.at(1)}, {"LEVEL", r.at(2)}, {"NODE_CAP", r.at(3)}});
+    }
+    return QJsonDocument(out).toJson(QJsonDocument::Compact);
 }
 
 QTreeWidgetItem *itemCalled(QTreeWidget *tree, const QString &caption)
@@ -73,7 +82,7 @@ private slots:
         QThreadPool::globalInstance()->waitForDone(30000);
         QFile::remove(m_service.dir.filePath("ini/zhp.ini"));
     }
-    void form();
+    void checkBoxes();
     void makeTree_data();
     void makeTree();
     void filterArgs_data();
@@ -95,25 +104,10 @@ private:
     ComponentService m_service;
 };
 
-// The names that style sheets and the dialog's shell find the parts by, and
-// their texts. A checked box hides its part: the signal says "not visible".
-void tst_TFSubjectSetting::form()
+// A checked box hides its part: the signal says "not visible".
+void tst_TFSubjectSetting::checkBoxes()
 {
     TFSubjectSetting setting("x:1");
-    QCOMPARE(setting.windowTitle(), QString("Frame"));
-    const QList<QPair<QString, QString>> texts = {
-        {"lbTitle", "专题插件设置"}, {"label_2", "类型："},      {"label_3", "当前选择 ："}, {"pbBindGl", "..."},
-        {"label_6", "过滤参数："},   {"pbPreView", "预览"},       {"pbOk", "应用"},           {"pbCancel", "取消"},
-        {"label", "隐藏视图："},     {"cbHideFilterBar", "过滤栏"}, {"cbHideMainView", "主视图"},
-        {"cbHidePageBar", "翻页栏"}, {"cbHideChildView", "子视图"}, {"pbClose", ""}};
-    for (const auto &expected : texts) {
-        QObject *child = setting.findChild<QObject *>(expected.first);
-        QVERIFY2(child, qPrintable(expected.first));
-        QCOMPARE(child->property("text").toString(), expected.second);
-    }
-    QVERIFY(setting.findChild<QTreeWidget *>("twNavTree") && setting.findChild<QComboBox *>("cbNodeCode"));
-    QVERIFY(setting.findChild<QLabel *>("lbUserSelectedTip") && setting.findChild<TFFilterWidget *>("fmFilter"));
-
     setting.show();
     const QList<QPair<const char *, const char *>> boxes = {
         {"cbHideFilterBar", SIGNAL(signalFilterWidgetVisibleSettingChanged(bool))},
@@ -137,24 +131,17 @@ void tst_TFSubjectSetting::makeTree_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("tree");
 
-    QTest::newRow("siblings in text order of codes") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "r"},
-        {"NODE_CODE": 9, "P_NODE_CODE": 1, "LEVEL": 2, "NODE_CAP": "nine"},
-        {"NODE_CODE": 10, "P_NODE_CODE": 1, "LEVEL": 2, "NODE_CAP": "ten"}])") << 2 << "r(ten,nine)";
-    QTest::newRow("level 1 is a root whatever its parent") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "a"},
-        {"NODE_CODE": 2, "P_NODE_CODE": 1, "LEVEL": 1, "NODE_CAP": "b"}])") << 2 << "a b";
-    QTest::newRow("a missing parent leaves the row out") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "a"},
-        {"NODE_CODE": 3, "P_NODE_CODE": 77, "LEVEL": 2, "NODE_CAP": "lost"}, 5, "text"])") << 2 << "a";
-    QTest::newRow("a later row of the same code replaces the earlier") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "old"},
-        {"NODE_CODE": "1", "P_NODE_CODE": 0, "LEVEL": "1", "NODE_CAP": "new"},
-        {"NODE_CODE": 2, "P_NODE_CODE": "1", "LEVEL": 2, "NODE_CAP": "c"}])") << 2 << "new(c)";
-    QTest::newRow("block rows: parent 0 is a root") << QByteArray(R"([
-        {"SECT_ID": 5, "P_SECT_ID": 0, "SECT_NAME": "行业"},
-        {"SECT_ID": 6, "P_SECT_ID": 5, "SECT_NAME": "银行"},
-        {"NODE_CODE": 7, "LEVEL": 1, "SECT_NAME": "no block keys"}])") << 1 << "no block keys 行业(银行)";
+    // Rows of the navigation tree as {code, parent, level, caption}.
+    QTest::newRow("siblings in text order of codes")
+        << nodes(R"([1,0,1,"r"],[9,1,2,"nine"],[10,1,2,"ten"])") << 2 << "r(ten,nine)";
+    QTest::newRow("level 1 is a root whatever its parent") << nodes(R"([1,0,1,"a"],[2,1,1,"b"])") << 2 << "a b";
+    QTest::newRow("a missing parent leaves the row out")
+        << nodes(R"([1,0,1,"a"],[3,77,2,"lost"])").replace("]", R"(, 5, "text"])") << 2 << "a";
+    QTest::newRow("a later row of the same code replaces the earlier")
+        << nodes(R"([1,0,1,"old"],["1",0,"1","new"],[2,"1",2,"c"])") << 2 << "new(c)";
+    QTest::newRow("block rows: parent 0 is a root") << QByteArray(R"([{"SECT_ID": 5, "P_SECT_ID": 0, "SECT_NAME": "行业"},
+        {"SECT_ID": 6, "P_SECT_ID": 5, "SECT_NAME": "银行"}, {"NODE_CODE": 7, "LEVEL": 1, "SECT_NAME": "no block keys"}])")
+        << 1 << "no block keys 行业(银行)";
 }
 
 void tst_TFSubjectSetting::makeTree()
@@ -171,34 +158,30 @@ void tst_TFSubjectSetting::makeTree()
 
 void tst_TFSubjectSetting::filterArgs_data()
 {
-    QTest::addColumn<QList<FilterParam::Cntrl>>("controls");
+    QTest::addColumn<Controls>("controls");
     QTest::addColumn<QVariantMap>("args");
 
-    QTest::newRow("plain value as it is") << QList<FilterParam::Cntrl>{control("ComboBox", "IND_NAME", 7)}
-                                          << QVariantMap{{"IND_NAME", 7}};
+    QTest::newRow("plain value as it is") << Controls{control("ComboBox", "IND_NAME", 7)} << QVariantMap{{"IND_NAME", 7}};
     QTest::newRow("three values on two keys: the first key again")
-        << QList<FilterParam::Cntrl>{control("DateTimeInterval", "A,B", "1,2,3", true)}
-        << QVariantMap{{"A", "3"}, {"B", "2"}};
+        << Controls{control("DateTimeInterval", "A,B", "1,2,3", true)} << QVariantMap{{"A", "3"}, {"B", "2"}};
     QTest::newRow("multi-field without values gives nothing")
-        << QList<FilterParam::Cntrl>{control("DateTimeInterval", "A,B", ",", true)} << QVariantMap();
+        << Controls{control("DateTimeInterval", "A,B", ",", true)} << QVariantMap();
     QTest::newRow("in over a list joins the values")
-        << QList<FilterParam::Cntrl>{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "in", "stringList")}
+        << Controls{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "in", "stringList")}
         << QVariantMap{{"MKT", "1,x"}};
     QTest::newRow("a list without in stays a list")
-        << QList<FilterParam::Cntrl>{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "==", "stringList")}
+        << Controls{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "==", "stringList")}
         << QVariantMap{{"MKT", QVariantList{1, "x"}}};
     QTest::newRow("buttons, hidden controls and unnamed ones are no arguments")
-        << QList<FilterParam::Cntrl>{control("VirtualCntrl", "A", 1), control("simplebuttongetdata", "B", 1),
-                                     control("SimpleButtonSaveToExcel", "C", 1), control("", "D", 1)}
-        << QVariantMap();
+        << Controls{control("VirtualCntrl", "A", 1), control("simplebuttongetdata", "B", 1),
+                    control("SimpleButtonSaveToExcel", "C", 1), control("", "D", 1)} << QVariantMap();
     QTest::newRow("a later control of the same key wins")
-        << QList<FilterParam::Cntrl>{control("TextEdit", "K", "a"), control("ComboBox", "K", "b")}
-        << QVariantMap{{"K", "b"}};
+        << Controls{control("TextEdit", "K", "a"), control("ComboBox", "K", "b")} << QVariantMap{{"K", "b"}};
 }
 
 void tst_TFSubjectSetting::filterArgs()
 {
-    QFETCH(QList<FilterParam::Cntrl>, controls);
+    QFETCH(Controls, controls);
     QFETCH(QVariantMap, args);
     QCOMPARE(TFSubjectSetting::filterArgsOf(controls), args);
 }

@@ -1,6 +1,5 @@
 #include "tftoolsfunc.h"
 
-#include <QDate>
 #include <QtTest>
 
 #include <limits>

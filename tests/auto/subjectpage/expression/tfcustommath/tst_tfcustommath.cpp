@@ -3,7 +3,7 @@
 #include "expression/tfcustommath.h"
 
 // The service writes dates as "/Date(<ms since epoch><sign><hh><mm>)".
-static QString serviceText(const QDate &date, int offsetHours = 8, const QTime &time = QTime(0, 0))
+static QString sd(const QDate &date, int offsetHours = 8, const QTime &time = QTime(0, 0))
 {
     const QDateTime dateTime(date, time, Qt::OffsetFromUTC, offsetHours * 3600);
     return QStringLiteral("/Date(%1%2%3)")
@@ -124,56 +124,34 @@ void tst_TFCustomMath::callFunction_data()
     QTest::newRow("correct spelling is unknown") << evening << "getYearsBetweenDate" << QVariantList{} << QVariant();
     QTest::newRow("unknown") << evening << "round" << QVariantList{"1.5"} << QVariant();
 
-    const QString d2019 = serviceText(QDate(2019, 3, 1));
-    const QString d2021 = serviceText(QDate(2021, 11, 30));
-    QTest::newRow("years between") << evening << "getYearsBetrweemDate" << QVariantList{d2019, d2021}
-                                   << QVariant("2019,2020,2021");
-    QTest::newRow("years between, backward") << evening << " get Years\tBetrweem Date " << QVariantList{d2021, d2019}
-                                             << QVariant("2021,2020,2019");
-    QTest::newRow("years between, one year") << evening << "getyearsbetrweemdate"
-                                             << QVariantList{d2019, serviceText(QDate(2019, 12, 31))} << QVariant("2019");
+    const QString d2019 = sd(QDate(2019, 3, 1)), d2021 = sd(QDate(2021, 11, 30)), d2019Jan = sd(QDate(2019, 1, 1));
+    auto list = [evening](const char *tag, const char *name, const QVariantList &args, const char *result) {
+        QTest::newRow(tag) << evening << name << args << QVariant(QString::fromUtf8(result));
+    };
+    list("years between", "getYearsBetrweemDate", {d2019, d2021}, "2019,2020,2021");
+    list("years between, backward", " get Years\tBetrweem Date ", {d2021, d2019}, "2021,2020,2019");
+    list("years between, one year", "getyearsbetrweemdate", {d2019, sd(QDate(2019, 12, 31))}, "2019");
     // The year is read in the offset of the text: midnight of New Year in
     // China is still the old year in UTC.
-    QTest::newRow("years between, new year in the text's zone")
-        << evening << "getyearsbetrweemdate"
-        << QVariantList{serviceText(QDate(2020, 1, 1)), serviceText(QDate(2021, 1, 1))} << QVariant("2020,2021");
-    QTest::newRow("years between, new year's eve in the text's zone")
-        << evening << "getyearsbetrweemdate"
-        << QVariantList{serviceText(QDate(2019, 12, 31), 8, QTime(23, 59)), serviceText(QDate(2021, 1, 1))}
-        << QVariant("2019,2020,2021");
-    QTest::newRow("years between one date") << evening << "getyearsbetrweemdate" << QVariantList{d2019} << QVariant("");
-    QTest::newRow("years between three dates") << evening << "getyearsbetrweemdate"
-                                               << QVariantList{d2019, d2021, d2019} << QVariant("");
+    list("years from new year's day", "getyearsbetrweemdate", {sd(QDate(2020, 1, 1)), sd(QDate(2021, 1, 1))}, "2020,2021");
+    list("years from new year's eve", "getyearsbetrweemdate", {sd(QDate(2019, 12, 31), 8, QTime(23, 59)), d2021},
+         "2019,2020,2021");
+    list("years between one date", "getyearsbetrweemdate", {d2019}, "");
+    list("years between three dates", "getyearsbetrweemdate", {d2019, d2021, d2019}, "");
     // The form of filter defaults is no date here: only one date remains.
-    QTest::newRow("years between, filter date form") << evening << "getyearsbetrweemdate"
-                                                     << QVariantList{"date'2019-01-01'", d2021} << QVariant("");
-
-    QTest::newRow("dates over leap day")
-        << evening << "getdatesbetrweemdate"
-        << QVariantList{serviceText(QDate(2020, 2, 27)), serviceText(QDate(2020, 3, 1))}
-        << QVariant("2020-02-27,2020-02-28,2020-02-29,2020-03-01");
-    QTest::newRow("dates of one day")
-        << evening << "getdatesbetrweemdate"
-        << QVariantList{serviceText(QDate(2026, 4, 30)), serviceText(QDate(2026, 4, 30), 8, QTime(18, 0))}
-        << QVariant("2026-04-30");
-    QTest::newRow("dates, later first") << evening << "getdatesbetrweemdate"
-                                        << QVariantList{serviceText(QDate(2026, 5, 1)), serviceText(QDate(2026, 4, 30))}
-                                        << QVariant("");
-    QTest::newRow("dates of one date") << evening << "getdatesbetrweemdate"
-                                       << QVariantList{serviceText(QDate(2026, 5, 1))} << QVariant("");
-
+    list("years between, filter date form", "getyearsbetrweemdate", {"date'2019-01-01'", d2021}, "");
+    list("dates over leap day", "getdatesbetrweemdate", {sd(QDate(2020, 2, 27)), sd(QDate(2020, 3, 1))},
+         "2020-02-27,2020-02-28,2020-02-29,2020-03-01");
+    list("dates of one day", "getdatesbetrweemdate", {sd(QDate(2026, 4, 30)), sd(QDate(2026, 4, 30), 8, QTime(18, 0))},
+         "2026-04-30");
+    list("dates, later first", "getdatesbetrweemdate", {sd(QDate(2026, 5, 1)), sd(QDate(2026, 4, 30))}, "");
+    list("dates of one date", "getdatesbetrweemdate", {sd(QDate(2026, 5, 1))}, "");
     // Without two service dates, the year of today twice.
-    const QString d2019Jan = serviceText(QDate(2019, 1, 1));
-    QTest::newRow("years of two dates") << evening << "ofbetweenyear" << QVariantList{d2019Jan, d2021}
-                                        << QVariant("2019,2021");
-    QTest::newRow("years of two dates, reversed") << evening << "ofbetweenyear" << QVariantList{d2021, d2019Jan}
-                                                  << QVariant("2021,2019");
-    QTest::newRow("years of no dates") << evening << "ofbetweenyear" << QVariantList{} << QVariant("2026,2026");
-    QTest::newRow("years of filter dates") << evening << "ofbetweenyear"
-                                           << QVariantList{"date'2019-01-01'", "date'2020-01-01'"}
-                                           << QVariant("2026,2026");
-    QTest::newRow("years of three dates") << evening << "ofbetweenyear" << QVariantList{d2019Jan, d2019, d2021}
-                                          << QVariant("2026,2026");
+    list("years of two dates", "ofbetweenyear", {d2019Jan, d2021}, "2019,2021");
+    list("years of two dates, reversed", "ofbetweenyear", {d2021, d2019Jan}, "2021,2019");
+    list("years of no dates", "ofbetweenyear", {}, "2026,2026");
+    list("years of filter dates", "ofbetweenyear", {"date'2019-01-01'", "date'2020-01-01'"}, "2026,2026");
+    list("years of three dates", "ofbetweenyear", {d2019Jan, d2019, d2021}, "2026,2026");
 
     const QDateTime yearEnd = at(2025, 12, 31, QTime(23, 59, 59));
     QTest::newRow("year of today") << yearEnd << "ofyear" << QVariantList{} << QVariant(2025.0);
