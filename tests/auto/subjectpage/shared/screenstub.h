@@ -9,6 +9,7 @@
 #include "subjectservice.h"
 #include "tfcore/tfserviceconfig.h"
 
+#include <QFile>
 #include <QMessageLogContext>
 #include <QObject>
 #include <QSettings>
@@ -84,7 +85,8 @@ private:
 };
 
 // The reference service on loopback under the key the component asks for,
-// with its database and the user's settings in a folder of the suite's own.
+// with its database (a copy of the one written at build time) and the
+// user's settings in a folder of the suite's own.
 class ComponentService
 {
 public:
@@ -94,6 +96,7 @@ public:
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir.path());
         SubjectService::Options options;
         options.dbPath = dir.filePath(QStringLiteral("component.sqlite"));
+        QFile::copy(QStringLiteral(COMPONENT_DATABASE), options.dbPath);   // else the service generates it
         m_server = std::make_unique<SubjectService::Server>(options);
         if (!m_server->start(error))
             return false;
