@@ -15,7 +15,13 @@ private slots:
     void helpAndVersion();
     void platformNeedsDisplay_data();
     void platformNeedsDisplay();
-    void cleanup() { qputenv("QT_QPA_PLATFORM", m_platform); }
+    void cleanup()
+    {
+        if (m_platform.isNull())
+            qunsetenv("QT_QPA_PLATFORM");
+        else
+            qputenv("QT_QPA_PLATFORM", m_platform);
+    }
 
 private:
     const QByteArray m_platform = qgetenv("QT_QPA_PLATFORM");

@@ -9,7 +9,7 @@ class tst_TFMenuCfg : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void cleanup();
     void fileBesideTheApplicationWins();
     void shippedMenus();
     void ofView_data();
@@ -30,9 +30,10 @@ void tst_TFMenuCfg::initTestCase()
     QVERIFY(!QFile::exists(besidePath()));
 }
 
-void tst_TFMenuCfg::cleanupTestCase()
+void tst_TFMenuCfg::cleanup()
 {
     QFile::remove(besidePath());
+    TFServiceConfig::instance()->setCurrentLang(TFServiceConfig::Chinese);
 }
 
 void tst_TFMenuCfg::fileBesideTheApplicationWins()
@@ -49,7 +50,6 @@ void tst_TFMenuCfg::fileBesideTheApplicationWins()
     QCOMPARE(menu->topicOfView(QStringLiteral("260")), -1);
     QCOMPARE(menu->topicName(2), QString());
     QCOMPARE(menu->itemOfView(QStringLiteral("260")).obj_vw_id, 0);
-    QVERIFY(QFile::remove(besidePath()));
 }
 
 // The menus the plug-in ships know every topic of the catalogue.
@@ -132,7 +132,6 @@ void tst_TFMenuCfg::englishNames()
     TFServiceConfig::instance()->setCurrentLang(TFServiceConfig::English);
     TFMenuCfg menu(QString{});
     menu.parse(kMenus);
-    TFServiceConfig::instance()->setCurrentLang(TFServiceConfig::Chinese);
     QCOMPARE(menu.topicName(61), QStringLiteral("Sixty-one"));
     QCOMPARE(menu.topicName(5), QString()); // an empty English name is used as it is
 }
