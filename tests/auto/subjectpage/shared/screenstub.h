@@ -63,22 +63,18 @@ public:
     {
         s_prefix = prefix;
         s_count = 0;
-        m_previous = qInstallMessageHandler(&LogCounter::handle);
-        s_previous = m_previous;
+        s_previous = qInstallMessageHandler(&LogCounter::handle);
     }
-    ~LogCounter() { qInstallMessageHandler(m_previous); }
+    ~LogCounter() { qInstallMessageHandler(s_previous); }
     int count() const { return s_count; }
 
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
     {
-        if (message.startsWith(s_prefix))
-            ++s_count;
+        s_count += message.startsWith(s_prefix) ? 1 : 0;
         if (s_previous)
             s_previous(type, context, message);
     }
-
-    QtMessageHandler m_previous;
     static inline QString s_prefix;
     static inline int s_count = 0;
     static inline QtMessageHandler s_previous = nullptr;

@@ -95,8 +95,7 @@ void tst_TFFrameSubjectZHP::restore_data()
         << QVariantMap() << otherVersion << 0LL << QString() << own << "version \"2.0.0\" is not read";
     QTest::newRow("malformed values") << componentState(260, "a") << malformed << 260LL << "7" << QVariantMap()
                                       << "keys missing.*titleVisible";
-    QTest::newRow("empty state") << QVariantMap() << QVariantMap() << 0LL << QString() << own
-                                 << "keys missing.*objVwId";
+    QTest::newRow("empty state") << QVariantMap() << QVariantMap() << 0LL << QString() << own << "keys missing.*objVwId";
 }
 
 void tst_TFFrameSubjectZHP::restore()
