@@ -57,9 +57,4 @@ bool FakePagePlugin::initialize(const QStringList &arguments, QString *errorStri
     return true;
 }
 
-void FakePagePlugin::extensionsInitialized()
-{
-    const QVector<QObject *> objects = autoReleasedObjects();
-    for (QObject *object : objects)
-        object->setProperty("extended", true);
-}
+void FakePagePlugin::extensionsInitialized() {}

@@ -20,7 +20,6 @@ public:
     const char *signalWindowIconChanged() override { return SIGNAL(signalWindowIconChanged(QIcon)); }
     const char *signalOpenNewUrl() override { return SIGNAL(signalOpenNewUrl(QString)); }
 
-    void askToOpen(const QString &url) { emit signalOpenNewUrl(url); }
 
 signals:
     void signalWindowTitleChanged(QString title);

@@ -4,64 +4,46 @@
 #include <QLabel>
 #include <QtTest>
 
-namespace {
-
 // Registered before main(), the way a plug-in's static initialiser does it.
-const bool registeredEarly = [] {
-    TFFactory<QWidget>::constructors().insert("EarlyFrame", [](QWidget *parent) {
-        auto *frame = new QFrame(parent);
-        frame->setObjectName(QStringLiteral("early"));
-        return frame;
-    });
+static const bool registeredEarly = [] {
+    TFFactory<QWidget>::constructors().insert("EarlyFrame", [](QWidget *parent) { return new QFrame(parent); });
     return true;
 }();
-
-} // namespace
 
 class tst_TFFactory : public QObject
 {
     Q_OBJECT
 private slots:
-    void registrationBeforeMainIsKept();
-    void buildsByNameWithParent();
-    void unknownNameIsAbsent();
-    void laterRegistrationReplaces();
+    void constructors_data();
+    void constructors();
 };
 
-void tst_TFFactory::registrationBeforeMainIsKept()
+void tst_TFFactory::constructors_data()
 {
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("made");     // the class made; empty: none is registered
+    QTest::newRow("registered before main") << QByteArray("EarlyFrame") << QByteArray("QFrame");
+    QTest::newRow("a later registration replaces") << QByteArray("Swap") << QByteArray("QLabel");
+    QTest::newRow("unknown name") << QByteArray("TFNoSuchComponent") << QByteArray();
+}
+
+void tst_TFFactory::constructors()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, made);
     QVERIFY(registeredEarly);
-    QVERIFY(TFFactory<QWidget>::constructors().contains("EarlyFrame"));
-    QScopedPointer<QWidget> made(TFFactory<QWidget>::constructors().value("EarlyFrame")(nullptr));
-    QCOMPARE(made->objectName(), QString("early"));
-}
-
-void tst_TFFactory::buildsByNameWithParent()
-{
-    TFFactory<QWidget>::constructors().insert("Caption", [](QWidget *parent) { return new QLabel("caption", parent); });
-    QWidget screen;
-    const auto constructor = TFFactory<QWidget>::constructors().value("Caption");
-    QVERIFY(constructor);
-    QWidget *component = constructor(&screen);
-    QCOMPARE(component->parent(), &screen);
-    QVERIFY(qobject_cast<QLabel *>(component));
-    QCOMPARE(qobject_cast<QLabel *>(component)->text(), QString("caption"));
-}
-
-void tst_TFFactory::unknownNameIsAbsent()
-{
-    QVERIFY(!TFFactory<QWidget>::constructors().contains("TFNoSuchComponent"));
-    QVERIFY(!TFFactory<QWidget>::constructors().value("TFNoSuchComponent"));
-}
-
-void tst_TFFactory::laterRegistrationReplaces()
-{
     auto &constructors = TFFactory<QWidget>::constructors();
     constructors.insert("Swap", [](QWidget *parent) { return new QFrame(parent); });
     constructors.insert("Swap", [](QWidget *parent) { return new QLabel(parent); });
     QCOMPARE(constructors.count("Swap"), 1);
-    QScopedPointer<QWidget> made(constructors.value("Swap")(nullptr));
-    QVERIFY(qobject_cast<QLabel *>(made.data()));
+    const auto constructor = constructors.value(name);
+    QCOMPARE(bool(constructor), !made.isEmpty());
+    if (!constructor)
+        return;
+    QWidget screen;
+    QWidget *component = constructor(&screen);
+    QCOMPARE(component->parent(), &screen);
+    QCOMPARE(QByteArray(component->metaObject()->className()), made);
 }
 
 QTEST_MAIN(tst_TFFactory)

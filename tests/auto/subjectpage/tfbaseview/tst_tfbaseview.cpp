@@ -39,11 +39,12 @@ TFTableModelData::FilterData filterRow(const QString &field, const QString &op, 
 RowData mainRow()
 {
     RowData row;
-    for (const auto &pair : QList<QPair<QString, QVariant>>{{"SECU_ID", 1001}, {"COM_ID", 77}, {"NAME", "abc"}}) {
+    for (const auto &[field, value] : QList<QPair<QString, QVariant>>{{"SECU_ID", 1001}, {"COM_ID", 77}, {"NAME", "abc"}})
+    {
         TFTableModelData::tagCellValue cell;
-        cell.fieldName = pair.first;
+        cell.fieldName = field;
         cell.valueType = QStringLiteral("Int64");
-        cell.value = pair.second;
+        cell.value = value;
         row.append(cell);
     }
     return row;
@@ -67,6 +68,8 @@ QString describe(const QList<FilterParam::CustomFilter> &filters)
 
 } // namespace
 
+using FilterRows = QList<TFTableModelData::FilterData>;
+using Controls = QList<FilterParam::Cntrl>;
 Q_DECLARE_METATYPE(FilterParam::Cntrl)
 
 class tst_TFBaseView : public QObject
@@ -74,25 +77,15 @@ class tst_TFBaseView : public QObject
     Q_OBJECT
 
 private slots:
-    void baseBehaviour();
     void childFilters_data();
     void childFilters();
 };
 
-void tst_TFBaseView::baseBehaviour()
-{
-    View view;
-    QCOMPARE(view.viewId(), qint64(-1));
-    QCOMPARE(view.TFBaseView::viewType(), -1);
-    QVERIFY(view.TFBaseView::order().key.isEmpty());
-    QVERIFY(qAbs(view.TFBaseView::startTime().msecsTo(QTime::currentTime())) < 1000);
-}
-
 void tst_TFBaseView::childFilters_data()
 {
-    QTest::addColumn<QList<TFTableModelData::FilterData>>("rows");
+    QTest::addColumn<FilterRows>("rows");
     QTest::addColumn<QString>("link");
-    QTest::addColumn<QList<FilterParam::Cntrl>>("controls");
+    QTest::addColumn<Controls>("controls");
     QTest::addColumn<QString>("params");
     QTest::addColumn<QString>("filters");
 
@@ -105,34 +98,34 @@ void tst_TFBaseView::childFilters_data()
     intervalParam.dataSourceFilter = true;
 
     QTest::newRow("linked field from the row, as a filter")
-        << QList<TFTableModelData::FilterData>{filterRow("SECU_ID", "=")} << "A.SECU_ID=数据源.SECU_ID"
-        << QList<FilterParam::Cntrl>() << "order=" << "SECU_ID == :SECU_ID=1001";
+        << FilterRows{filterRow("SECU_ID", "=")} << "A.SECU_ID=数据源.SECU_ID"
+        << Controls() << "order=" << "SECU_ID == :SECU_ID=1001";
     QTest::newRow("left piece that names a row field stays whole; parameter")
-        << QList<TFTableModelData::FilterData>{filterRow("CID", "=", "1")} << "COM_ID=数据源.CID"
-        << QList<FilterParam::Cntrl>() << "CID=77;order=" << "";
+        << FilterRows{filterRow("CID", "=", "1")} << "COM_ID=数据源.CID"
+        << Controls() << "CID=77;order=" << "";
     QTest::newRow("no link entry takes the default")
-        << QList<TFTableModelData::FilterData>{filterRow("YEAR", ">=", "0", "2020")} << "A.SECU_ID=B.SECU_ID"
-        << QList<FilterParam::Cntrl>() << "order=" << "YEAR >= :YEAR=2020";
+        << FilterRows{filterRow("YEAR", ">=", "0", "2020")} << "A.SECU_ID=B.SECU_ID"
+        << Controls() << "order=" << "YEAR >= :YEAR=2020";
     QTest::newRow("unknown operator becomes ==; empty field skipped")
-        << QList<TFTableModelData::FilterData>{filterRow("", "="), filterRow("NAME", "~")} << "X.NAME=Y.NAME"
-        << QList<FilterParam::Cntrl>() << "order=" << "NAME == :NAME=abc";
+        << FilterRows{filterRow("", "="), filterRow("NAME", "~")} << "X.NAME=Y.NAME"
+        << Controls() << "order=" << "NAME == :NAME=abc";
     QTest::newRow("date parameter from text keeps its text, '=' removed")
-        << QList<TFTableModelData::FilterData>{filterRow("D", "=", "1", "=2024-03-01", "DateTime")} << ""
-        << QList<FilterParam::Cntrl>() << "D=2024-03-01;order=" << "";
+        << FilterRows{filterRow("D", "=", "1", "=2024-03-01", "DateTime")} << ""
+        << Controls() << "D=2024-03-01;order=" << "";
     QTest::newRow("between: the suffix stays on the name for the next value")
-        << QList<TFTableModelData::FilterData>{filterRow("TRADE_DATE", "Between")} << ""
-        << QList<FilterParam::Cntrl>{interval} << "order="
+        << FilterRows{filterRow("TRADE_DATE", "Between")} << ""
+        << Controls{interval} << "order="
         << "TRADE_DATE <= :TRADE_DATE_start=2024-01-01;TRADE_DATE_start <= :TRADE_DATE_start_start=2024-06-30";
     QTest::newRow("between from a data-source control: parameters")
-        << QList<TFTableModelData::FilterData>{filterRow("TRADE_DATE", "between")} << ""
-        << QList<FilterParam::Cntrl>{intervalParam} << "TRADE_DATE=2024-01-01;TRADE_DATE=2024-06-30;order=" << "";
+        << FilterRows{filterRow("TRADE_DATE", "between")} << ""
+        << Controls{intervalParam} << "TRADE_DATE=2024-01-01;TRADE_DATE=2024-06-30;order=" << "";
 }
 
 void tst_TFBaseView::childFilters()
 {
-    QFETCH(QList<TFTableModelData::FilterData>, rows);
+    QFETCH(FilterRows, rows);
     QFETCH(QString, link);
-    QFETCH(QList<FilterParam::Cntrl>, controls);
+    QFETCH(Controls, controls);
     QFETCH(QString, params);
     QFETCH(QString, filters);
 

@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QtTest>
 
 class tst_TFMessageBox : public QObject
@@ -35,8 +34,7 @@ void tst_TFMessageBox::showMsg_data()
     QTest::newRow("exactly fits") << QPoint(w - 300, h - 200) << QPoint(w - 300, h - 200);
     QTest::newRow("one pixel past the right edge") << QPoint(w - 299, 30) << QPoint(w - 599, 30);
     QTest::newRow("one pixel past the bottom edge") << QPoint(20, h - 199) << QPoint(20, h - 399);
-    QTest::newRow("bottom right corner: up and to the left") << QPoint(w - 10, h - 10)
-                                                             << QPoint(w - 310, h - 210);
+    QTest::newRow("bottom right corner: up and to the left") << QPoint(w - 10, h - 10) << QPoint(w - 310, h - 210);
 }
 
 // The box is modal and returns only when closed: it is inspected and closed
@@ -48,32 +46,20 @@ void tst_TFMessageBox::showMsg()
     QCursor::setPos(cursor);
     QCOMPARE(QCursor::pos(), cursor);
 
-    struct Seen
-    {
-        bool found = false;
-        QString title;
-        QString text;
-        QPoint pos;
-        QSize size;
-        bool frameless = false;
-        bool closedByButton = false;
-    } seen;
+    // What the box shows, seen from inside its exec() and closed by its button.
+    QStringList seen;
     QTimer::singleShot(0, this, [&seen] {
         auto *box = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!box)
+        auto *title = box ? box->findChild<QLabel *>(QStringLiteral("lbTitle")) : nullptr;
+        auto *text = box ? box->findChild<QTextBrowser *>(QStringLiteral("tbMsg")) : nullptr;
+        auto *close = box ? box->findChild<QPushButton *>(QStringLiteral("pbMsgClose")) : nullptr;
+        if (!title || !text || !close)
             return;
-        seen.found = true;
-        if (auto *title = box->findChild<QLabel *>(QStringLiteral("lbTitle")))
-            seen.title = title->text();
-        if (auto *text = box->findChild<QTextBrowser *>(QStringLiteral("tbMsg")))
-            seen.text = text->toPlainText();
-        seen.pos = box->pos();
-        seen.size = box->size();
-        seen.frameless = box->windowFlags().testFlag(Qt::FramelessWindowHint);
-        if (auto *close = box->findChild<QPushButton *>(QStringLiteral("pbMsgClose"))) {
-            QTest::mouseClick(close, Qt::LeftButton);
-            seen.closedByButton = !box->isVisible();
-        }
+        seen << title->text() << text->toPlainText()
+             << QStringLiteral("%1,%2 %3x%4").arg(box->x()).arg(box->y()).arg(box->width()).arg(box->height())
+             << (box->windowFlags().testFlag(Qt::FramelessWindowHint) ? "frameless" : "framed");
+        QTest::mouseClick(close, Qt::LeftButton);
+        seen << (box->isVisible() ? "open" : "closed");
     });
     // Should the button fail to close it, the test ends instead of hanging.
     QTimer::singleShot(5000, this, [] {
@@ -82,14 +68,9 @@ void tst_TFMessageBox::showMsg()
     });
 
     TFMessageBox::showMsg(QStringLiteral("600000-公告"), QStringLiteral("第一行\n第二行"));
-
-    QVERIFY(seen.found);
-    QVERIFY(seen.closedByButton);
-    QCOMPARE(seen.title, QStringLiteral("600000-公告"));
-    QCOMPARE(seen.text, QStringLiteral("第一行\n第二行"));
-    QCOMPARE(seen.size, QSize(300, 200));
-    QVERIFY(seen.frameless);
-    QCOMPARE(seen.pos, expected);
+    QCOMPARE(seen, QStringList({QStringLiteral("600000-公告"), QStringLiteral("第一行\n第二行"),
+                                QStringLiteral("%1,%2 300x200").arg(expected.x()).arg(expected.y()), "frameless",
+                                "closed"}));
 }
 
 void tst_TFMessageBox::shadowFollowsSizeAndState()

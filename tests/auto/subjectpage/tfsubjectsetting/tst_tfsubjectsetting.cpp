@@ -1,25 +1,14 @@
-#include "tfframesubjectzhp.h"
-#include "tfmainview.h"
-#include "tfrightcontainer.h"
+#include "screenstub.h"
 #include "tfsubjectsetting.h"
-#include "tfsubjecttablewidget.h"
 
 #include "filterwidget/tffilterwidget.h"
-#include "mulittable/tfsubjecttablemodel.h"
-#include "screenstub.h"
-#include "subjectservice.h"
 #include "tfcore/tfcore.h"
-#include "tfcore/tfserviceconfig.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QPushButton>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -27,13 +16,11 @@
 #include "webenginetestmain.h"
 
 #include <functional>
-#include <memory>
 
-Q_DECLARE_METATYPE(QList<FilterParam::Cntrl>)
+using Controls = QList<FilterParam::Cntrl>;
+Q_DECLARE_METATYPE(Controls)
 
 namespace {
-
-const char kServiceKey[] = "servercfg.ini:Subject";
 
 // "caption(child,child)" for each root, joined by " ".
 QString treeText(const QList<TFJsonObjNode *> &nodes)
@@ -46,6 +33,17 @@ QString treeText(const QList<TFJsonObjNode *> &nodes)
         parts << text;
     }
     return parts.join(' ');
+}
+
+// "[code,parent,level,caption],..." as the service's rows of a topic tree.
+QByteArray nodes(const char *rows)
+{
+    QJsonArray out;
+    for (const QJsonValue &row : QJsonDocument::fromJson(QByteArray("[") + rows + "]").array()) {
+        const QJsonArray r = row.toArray();
+        out.append(QJsonObject{{"NODE_CODE", r.at(0)}, {"P_NODE_CODE", r.at(1)}, {"LEVEL", r.at(2)}, {"NODE_CAP", r.at(3)}});
+    }
+    return QJsonDocument(out).toJson(QJsonDocument::Compact);
 }
 
 QTreeWidgetItem *itemCalled(QTreeWidget *tree, const QString &caption)
@@ -67,22 +65,24 @@ FilterParam::Cntrl control(const QString &objName, const QString &key, const QVa
     return c;
 }
 
-int rowsShown(const TFFrameSubjectZHP &frame)
-{
-    auto *table = qobject_cast<TFSubjectTableWidget *>(frame.rightContainer()->mainView()->currentView());
-    return table && table->model() ? table->model()->rowCount() : 0;
-}
-
 } // namespace
 
 class tst_TFSubjectSetting : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void cleanup();
-    void form();
+    void initTestCase()
+    {
+        QString error;
+        QVERIFY2(m_service.start(&error), qPrintable(error));
+        TFCore::instance()->setIniDirectory(m_service.dir.filePath("ini"));
+    }
+    void cleanup()
+    {
+        QThreadPool::globalInstance()->waitForDone(30000);
+        QFile::remove(m_service.dir.filePath("ini/zhp.ini"));
+    }
+    void checkBoxes();
     void makeTree_data();
     void makeTree();
     void filterArgs_data();
@@ -90,65 +90,39 @@ private slots:
     void topicRoots_data();
     void topicRoots();
     void navigationTree();
-    void checkBoxes_data();
-    void checkBoxes();
     void dialog_data();
     void dialog();
 
 private:
-    QTemporaryDir m_dir;
-    std::unique_ptr<SubjectService::Server> m_server;
+    void writeIni(const QByteArray &text)
+    {
+        QVERIFY(QDir().mkpath(m_service.dir.filePath("ini")));
+        QFile file(m_service.dir.filePath("ini/zhp.ini"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    ComponentService m_service;
 };
 
-void tst_TFSubjectSetting::initTestCase()
-{
-    TFTableModelData::registerRowDataType();
-    QVERIFY(m_dir.isValid());
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
-    SubjectService::Options options;
-    options.dbPath = m_dir.filePath(QStringLiteral("setting.sqlite"));
-    m_server.reset(new SubjectService::Server(options));
-    QString error;
-    QVERIFY2(m_server->start(&error), qPrintable(error));
-    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), m_server->baseUrl());
-    TFCore::instance()->setIniDirectory(m_dir.filePath("ini"));
-}
-
-void tst_TFSubjectSetting::cleanupTestCase()
-{
-    QThreadPool::globalInstance()->waitForDone(30000);
-    if (m_server)
-        m_server->stop();
-}
-
-void tst_TFSubjectSetting::cleanup()
-{
-    QThreadPool::globalInstance()->waitForDone(30000);
-    QFile::remove(m_dir.filePath("ini/zhp.ini"));
-}
-
-// The names that style sheets and the dialog's shell find the parts by.
-void tst_TFSubjectSetting::form()
+// A checked box hides its part: the signal says "not visible".
+void tst_TFSubjectSetting::checkBoxes()
 {
     TFSubjectSetting setting("x:1");
-    QCOMPARE(setting.windowTitle(), QString("Frame"));
-    const QList<QPair<QString, QString>> texts = {
-        {"lbTitle", "专题插件设置"}, {"label_2", "类型："},      {"label_3", "当前选择 ："}, {"pbBindGl", "..."},
-        {"label_6", "过滤参数："},   {"pbPreView", "预览"},       {"pbOk", "应用"},           {"pbCancel", "取消"},
-        {"label", "隐藏视图："},     {"cbHideFilterBar", "过滤栏"}, {"cbHideMainView", "主视图"},
-        {"cbHidePageBar", "翻页栏"}, {"cbHideChildView", "子视图"}, {"pbClose", ""}};
-    for (const auto &expected : texts) {
-        QObject *child = setting.findChild<QObject *>(expected.first);
-        QVERIFY2(child, qPrintable(expected.first));
-        QCOMPARE(child->property("text").toString(), expected.second);
+    setting.show();
+    const QList<QPair<const char *, const char *>> boxes = {
+        {"cbHideFilterBar", SIGNAL(signalFilterWidgetVisibleSettingChanged(bool))},
+        {"cbHideMainView", SIGNAL(signalMainViewVisibleSettingChanged(bool))},
+        {"cbHideChildView", SIGNAL(signalSubViewVisibleSettingChanged(bool))},
+        {"cbHidePageBar", SIGNAL(signalPageBarVisibleChanged(bool))}};
+    for (const auto &[box, signal] : boxes) {
+        QSignalSpy spy(&setting, signal);
+        auto *check = setting.findChild<QCheckBox *>(box);
+        QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
+        QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(0).at(0).toBool(), false);
+        QCOMPARE(spy.at(1).at(0).toBool(), true);
     }
-    for (const char *name : {"fmTitle", "fmGlArgs", "fmSetting_2", "fmSetting"})
-        QVERIFY2(setting.findChild<QFrame *>(name), name);
-    QVERIFY(setting.findChild<QTreeWidget *>("twNavTree"));
-    QVERIFY(setting.findChild<QComboBox *>("cbNodeCode"));
-    QVERIFY(setting.findChild<QLabel *>("lbUserSelectedTip"));
-    QVERIFY(setting.findChild<TFFilterWidget *>("fmFilter"));
-    QVERIFY(!setting.findChild<QObject *>("txtTitle"));
 }
 
 void tst_TFSubjectSetting::makeTree_data()
@@ -157,24 +131,17 @@ void tst_TFSubjectSetting::makeTree_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("tree");
 
-    QTest::newRow("siblings in text order of codes") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "r"},
-        {"NODE_CODE": 9, "P_NODE_CODE": 1, "LEVEL": 2, "NODE_CAP": "nine"},
-        {"NODE_CODE": 10, "P_NODE_CODE": 1, "LEVEL": 2, "NODE_CAP": "ten"}])") << 2 << "r(ten,nine)";
-    QTest::newRow("level 1 is a root whatever its parent") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "a"},
-        {"NODE_CODE": 2, "P_NODE_CODE": 1, "LEVEL": 1, "NODE_CAP": "b"}])") << 2 << "a b";
-    QTest::newRow("a missing parent leaves the row out") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "a"},
-        {"NODE_CODE": 3, "P_NODE_CODE": 77, "LEVEL": 2, "NODE_CAP": "lost"}, 5, "text"])") << 2 << "a";
-    QTest::newRow("a later row of the same code replaces the earlier") << QByteArray(R"([
-        {"NODE_CODE": 1, "P_NODE_CODE": 0, "LEVEL": 1, "NODE_CAP": "old"},
-        {"NODE_CODE": "1", "P_NODE_CODE": 0, "LEVEL": "1", "NODE_CAP": "new"},
-        {"NODE_CODE": 2, "P_NODE_CODE": "1", "LEVEL": 2, "NODE_CAP": "c"}])") << 2 << "new(c)";
-    QTest::newRow("block rows: parent 0 is a root") << QByteArray(R"([
-        {"SECT_ID": 5, "P_SECT_ID": 0, "SECT_NAME": "行业"},
-        {"SECT_ID": 6, "P_SECT_ID": 5, "SECT_NAME": "银行"},
-        {"NODE_CODE": 7, "LEVEL": 1, "SECT_NAME": "no block keys"}])") << 1 << "no block keys 行业(银行)";
+    // Rows of the navigation tree as {code, parent, level, caption}.
+    QTest::newRow("siblings in text order of codes")
+        << nodes(R"([1,0,1,"r"],[9,1,2,"nine"],[10,1,2,"ten"])") << 2 << "r(ten,nine)";
+    QTest::newRow("level 1 is a root whatever its parent") << nodes(R"([1,0,1,"a"],[2,1,1,"b"])") << 2 << "a b";
+    QTest::newRow("a missing parent leaves the row out")
+        << nodes(R"([1,0,1,"a"],[3,77,2,"lost"])").replace("]", R"(, 5, "text"])") << 2 << "a";
+    QTest::newRow("a later row of the same code replaces the earlier")
+        << nodes(R"([1,0,1,"old"],["1",0,"1","new"],[2,"1",2,"c"])") << 2 << "new(c)";
+    QTest::newRow("block rows: parent 0 is a root") << QByteArray(R"([{"SECT_ID": 5, "P_SECT_ID": 0, "SECT_NAME": "行业"},
+        {"SECT_ID": 6, "P_SECT_ID": 5, "SECT_NAME": "银行"}, {"NODE_CODE": 7, "LEVEL": 1, "SECT_NAME": "no block keys"}])")
+        << 1 << "no block keys 行业(银行)";
 }
 
 void tst_TFSubjectSetting::makeTree()
@@ -191,34 +158,30 @@ void tst_TFSubjectSetting::makeTree()
 
 void tst_TFSubjectSetting::filterArgs_data()
 {
-    QTest::addColumn<QList<FilterParam::Cntrl>>("controls");
+    QTest::addColumn<Controls>("controls");
     QTest::addColumn<QVariantMap>("args");
 
-    QTest::newRow("plain value as it is") << QList<FilterParam::Cntrl>{control("ComboBox", "IND_NAME", 7)}
-                                          << QVariantMap{{"IND_NAME", 7}};
+    QTest::newRow("plain value as it is") << Controls{control("ComboBox", "IND_NAME", 7)} << QVariantMap{{"IND_NAME", 7}};
     QTest::newRow("three values on two keys: the first key again")
-        << QList<FilterParam::Cntrl>{control("DateTimeInterval", "A,B", "1,2,3", true)}
-        << QVariantMap{{"A", "3"}, {"B", "2"}};
+        << Controls{control("DateTimeInterval", "A,B", "1,2,3", true)} << QVariantMap{{"A", "3"}, {"B", "2"}};
     QTest::newRow("multi-field without values gives nothing")
-        << QList<FilterParam::Cntrl>{control("DateTimeInterval", "A,B", ",", true)} << QVariantMap();
+        << Controls{control("DateTimeInterval", "A,B", ",", true)} << QVariantMap();
     QTest::newRow("in over a list joins the values")
-        << QList<FilterParam::Cntrl>{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "in", "stringList")}
+        << Controls{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "in", "stringList")}
         << QVariantMap{{"MKT", "1,x"}};
     QTest::newRow("a list without in stays a list")
-        << QList<FilterParam::Cntrl>{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "==", "stringList")}
+        << Controls{control("CheckComboBox", "MKT", QVariantList{1, "x"}, false, "==", "stringList")}
         << QVariantMap{{"MKT", QVariantList{1, "x"}}};
     QTest::newRow("buttons, hidden controls and unnamed ones are no arguments")
-        << QList<FilterParam::Cntrl>{control("VirtualCntrl", "A", 1), control("simplebuttongetdata", "B", 1),
-                                     control("SimpleButtonSaveToExcel", "C", 1), control("", "D", 1)}
-        << QVariantMap();
+        << Controls{control("VirtualCntrl", "A", 1), control("simplebuttongetdata", "B", 1),
+                    control("SimpleButtonSaveToExcel", "C", 1), control("", "D", 1)} << QVariantMap();
     QTest::newRow("a later control of the same key wins")
-        << QList<FilterParam::Cntrl>{control("TextEdit", "K", "a"), control("ComboBox", "K", "b")}
-        << QVariantMap{{"K", "b"}};
+        << Controls{control("TextEdit", "K", "a"), control("ComboBox", "K", "b")} << QVariantMap{{"K", "b"}};
 }
 
 void tst_TFSubjectSetting::filterArgs()
 {
-    QFETCH(QList<FilterParam::Cntrl>, controls);
+    QFETCH(Controls, controls);
     QFETCH(QVariantMap, args);
     QCOMPARE(TFSubjectSetting::filterArgsOf(controls), args);
 }
@@ -244,12 +207,8 @@ void tst_TFSubjectSetting::topicRoots()
     QFETCH(QString, list);
     QFETCH(QByteArray, ini);
     QFETCH(QStringList, items);
-    if (!ini.isEmpty()) {
-        QVERIFY(QDir().mkpath(m_dir.filePath("ini")));
-        QFile file(m_dir.filePath("ini/zhp.ini"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(ini);
-    }
+    if (!ini.isEmpty())
+        writeIni(ini);
     TFSubjectSetting setting(list);
     auto *combo = setting.findChild<QComboBox *>("cbNodeCode");
     QStringList shown;
@@ -291,32 +250,6 @@ void tst_TFSubjectSetting::navigationTree()
     QCOMPARE(refresh.count(), 1);
 }
 
-void tst_TFSubjectSetting::checkBoxes_data()
-{
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QByteArray>("signal");
-    QTest::newRow("filter bar") << "cbHideFilterBar" << QByteArray(SIGNAL(signalFilterWidgetVisibleSettingChanged(bool)));
-    QTest::newRow("main view") << "cbHideMainView" << QByteArray(SIGNAL(signalMainViewVisibleSettingChanged(bool)));
-    QTest::newRow("child views") << "cbHideChildView" << QByteArray(SIGNAL(signalSubViewVisibleSettingChanged(bool)));
-    QTest::newRow("page bar") << "cbHidePageBar" << QByteArray(SIGNAL(signalPageBarVisibleChanged(bool)));
-}
-
-// A checked box hides its part: the signal says "not visible".
-void tst_TFSubjectSetting::checkBoxes()
-{
-    QFETCH(QString, box);
-    QFETCH(QByteArray, signal);
-    TFSubjectSetting setting("x:1");
-    setting.show();
-    QSignalSpy spy(&setting, signal.constData());
-    auto *check = setting.findChild<QCheckBox *>(box);
-    QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
-    QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(4, check->height() / 2));
-    QCOMPARE(spy.count(), 2);
-    QCOMPARE(spy.at(0).at(0).toBool(), false);
-    QCOMPARE(spy.at(1).at(0).toBool(), true);
-}
-
 void tst_TFSubjectSetting::dialog_data()
 {
     QTest::addColumn<QString>("choose");       // a view to pick in the tree, or none
@@ -348,11 +281,7 @@ void tst_TFSubjectSetting::dialog()
     QFETCH(bool, mainViewVisible);
     QFETCH(int, settingsChanged);
 
-    QVERIFY(QDir().mkpath(m_dir.filePath("ini")));
-    QFile ini(m_dir.filePath("ini/zhp.ini"));
-    QVERIFY(ini.open(QIODevice::WriteOnly));
-    ini.write("[Settings]\nlist=\"股票专题:2,债券专题:311\"\n");
-    ini.close();
+    writeIni("[Settings]\nlist=\"股票专题:2,债券专题:311\"\n");
 
     ScreenStub screen;
     screen.setArgs({{"view", "债券一览|3110"}, {"PROVINCE", "北京"}});
@@ -364,10 +293,9 @@ void tst_TFSubjectSetting::dialog()
     auto *frame = new TFFrameSubjectZHP(&parent);
     layout->addWidget(frame);
     parent.show();
-    const QVariantMap state{{"version", "1.0.0"},     {"titleVisible", true},  {"filterVisible", true},
-                            {"mainViewVisible", true}, {"subViewVisible", true}, {"pageBarVisible", true},
-                            {"objVwId", 260},          {"title", "沪深A股行情"}, {"objVwIdBinder", ""},
-                            {"filterMap", QVariantMap()}};
+    QVariantMap state = componentState(260, "沪深A股行情");
+    state.insert("pageBarVisible", true);
+    state.insert("filterMap", QVariantMap());
     frame->restore(state);
     QTRY_VERIFY_WITH_TIMEOUT(rowsShown(*frame) > 0, 30000);
 

@@ -3,12 +3,8 @@
 #include "expression/expressionparse.h"
 #include "expression/scriptwatchdog.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QJSEngine>
 #include <QPluginLoader>
 #include <QQmlEngine>
-#include <QThread>
 #include <QtTest>
 
 namespace {
@@ -58,8 +54,7 @@ void tst_ScriptWatchdog::timeCharged_data()
     // Three times the limit asleep, then a loop that looks at the interrupt.
     QTest::newRow("a stopped thread is not charged")
             << "host.sleep(600); var s = 0; for (var i = 0; i < 10; ++i) s += i; s" << false;
-    QTest::newRow("a busy thread is")
-            << "var s = 0; for (;;) s += 1; s" << true;
+    QTest::newRow("a busy thread is") << "var s = 0; for (;;) s += 1; s" << true;
 }
 
 // The limit counts the processor time of the evaluating thread, not the
