@@ -41,6 +41,13 @@ QStringList itemsOf(const QListWidget *list)
     return texts;
 }
 
+// Every list request is done and its answer, if any, delivered.
+void settle()
+{
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+}
+
 TFTableModelData::FilterData remoteRow(const QString &className, const QString &field, const QString &list,
                                        const QString &filter = QString(), const QString &params = QString())
 {
@@ -74,9 +81,11 @@ private slots:
 
 private:
     QStringList serviceNames(const QString &list);
+    void answer(int status, const QByteArray &reply, unsigned long delay = 0);
 
     QTemporaryDir m_dir;
     std::unique_ptr<SubjectService::Server> m_service;
+    HttpTestServer m_canned;    // answers each list request as the row says
 };
 
 void tst_RemoteLists::initTestCase()
@@ -87,6 +96,20 @@ void tst_RemoteLists::initTestCase()
     m_service.reset(new SubjectService::Server(options));
     QString error;
     QVERIFY2(m_service->start(&error), qPrintable(error));
+    QVERIFY(m_canned.start());
+}
+
+void tst_RemoteLists::answer(int status, const QByteArray &reply, unsigned long delay)
+{
+    m_canned.setHandler([status, reply, delay](const RecordedRequest &) {
+        QThread::msleep(delay);
+        CannedReply canned;
+        canned.status = status;
+        canned.reason = status == 200 ? "OK" : "Internal Server Error";
+        canned.body = reply;
+        return canned;
+    });
+    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), m_canned.baseUrl());
 }
 
 void tst_RemoteLists::cleanupTestCase()
@@ -147,17 +170,8 @@ void tst_RemoteLists::requestAndReply()
     QFETCH(bool, updated);
     QFETCH(QStringList, names);
 
-    HttpTestServer server;
-    server.setHandler([status, reply](const RecordedRequest &) {
-        CannedReply canned;
-        canned.status = status;
-        canned.reason = status == 200 ? "OK" : "Internal Server Error";
-        canned.body = reply;
-        return canned;
-    });
-    QVERIFY(server.start());
-    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), server.baseUrl());
-
+    answer(status, reply);
+    const int before = m_canned.requestCount();
     // The literal entries of a remote list are ignored.
     TFTableModelData::FilterData row = remoteRow("ComboBox", "PROVINCE", "CITY_LIST", filter, params);
     row.NameValues = QStringLiteral("北京=BJ");
@@ -168,17 +182,13 @@ void tst_RemoteLists::requestAndReply()
     QSignalSpy checkUpdates(&check, &TFCheckCombox::signalItemDataUpdate);
     QCOMPARE(itemsOf(combo.comboBox()), QStringList());
 
-    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 2, 10000);
-    for (const RecordedRequest &request : server.requests()) {
+    settle();
+    QCOMPARE(m_canned.requestCount(), before + 2);
+    for (const RecordedRequest &request : m_canned.requests().mid(before)) {
         QCOMPARE(request.target, QByteArray("/bas/ds/data"));
         QCOMPARE(request.body, body);
     }
-    if (updated) {
-        QTRY_COMPARE_WITH_TIMEOUT(comboUpdates.count() + checkUpdates.count(), 2, 10000);
-    } else {
-        QTest::qWait(500);
-        QCOMPARE(comboUpdates.count() + checkUpdates.count(), 0);
-    }
+    QCOMPARE(comboUpdates.count() + checkUpdates.count(), updated ? 2 : 0);
     QCOMPARE(itemsOf(combo.comboBox()), updated ? QStringList{"未选择"} + names : QStringList());
     QCOMPARE(itemsOf(check.listWidget()), updated ? QStringList{"All"} + names : QStringList());
     // Every entry that came is ticked, so the list filters by all of them.
@@ -191,23 +201,16 @@ void tst_RemoteLists::requestAndReply()
 
 void tst_RemoteLists::answerAfterTheControlIsGone()
 {
-    HttpTestServer server;
-    server.setHandler([](const RecordedRequest &) {
-        QThread::msleep(300);
-        CannedReply canned;
-        canned.body = HttpTestServer::envelope(QJsonArray{QJsonObject{{"NAME", "a"}, {"VALUE", "1"}}});
-        return canned;
-    });
-    QVERIFY(server.start());
-    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), server.baseUrl());
+    answer(200, HttpTestServer::envelope(QJsonArray{QJsonObject{{"NAME", "a"}, {"VALUE", "1"}}}), 100);
+    const int before = m_canned.requestCount();
     {
         TFComboBox combo(remoteRow("ComboBox", "PROVINCE", "CITY_LIST"));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
         TFCheckCombox check(remoteRow("CheckComboBox", "CITY", "CITY_LIST"));
     }
-    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 2, 10000);
     // The answers arrive for nobody and are dropped.
-    QTest::qWait(800);
+    settle();
+    QCOMPARE(m_canned.requestCount(), before + 2);
 }
 
 QStringList tst_RemoteLists::serviceNames(const QString &list)
@@ -288,16 +291,8 @@ void tst_RemoteLists::badInputKeepsTheBar()
     QFETCH(int, status);
     QFETCH(QByteArray, reply);
 
-    HttpTestServer server;
-    server.setHandler([status, reply](const RecordedRequest &) {
-        CannedReply canned;
-        canned.status = status;
-        canned.body = reply;
-        return canned;
-    });
-    QVERIFY(server.start());
-    TFServiceConfig::instance()->setHttpUrl(QLatin1String(kServiceKey), server.baseUrl());
-
+    answer(status, reply);
+    const int before = m_canned.requestCount();
     QList<TFTableModelData::FilterData> rows{
         filterRow(R"({"ClassName":"ComboBox","FieldName":"IND_NAME","DataSourceName":"L","DataSourceFilterParams":"{bad"})"),
         filterRow(R"({"ClassName":"CheckComboBox","FieldName":"MKT","Operator":"IN","DataSourceName":"L"})"),
@@ -315,8 +310,8 @@ void tst_RemoteLists::badInputKeepsTheBar()
     bar.setFilterData(rows);
     TFCustomMath::instance()->setClock({});
     QCOMPARE(bar.findChildren<TFBaseFilterWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), rows.size());
-    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 2, 10000);
-    QTest::qWait(300);
+    settle();
+    QCOMPARE(m_canned.requestCount(), before + 2);
 
     QList<FilterParam::DataSourceFilter> params;
     QList<FilterParam::CustomFilter> filters;
