@@ -15,6 +15,7 @@
 
 #include <QComboBox>
 #include <QDir>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
@@ -49,7 +50,8 @@ private slots:
     void cleanupTestCase();
     void bar_data();
     void bar();
-    void everyClassNameIsUsed();
+    void serviceLists_data();
+    void serviceLists();
     void unitChoiceRescalesTheTable();
 
 private:
@@ -195,28 +197,62 @@ void tst_FilterCatalogue::bar()
                              30000);
 }
 
-void tst_FilterCatalogue::everyClassNameIsUsed()
+void tst_FilterCatalogue::serviceLists_data()
 {
-    // Every class a bar can build, and the classes the lists turn on.
-    const QStringList required{"DecimalTextEditInterval", "DateEdit", "SimpleYear", "MultYear", "CheckComboBox",
-                               "ComboBox", "UnitFactorCombobox", "TextEdit", "KeywordsBox", "SimpleButtonGetData",
-                               "SimpleButtonSaveToExcel", "SimpleButtonSort", "DateTimeInterval", "ReportDateSimple",
-                               "ReportDateSimple2", "ReportDateSimple5", "YearMonthInterval", "VirtualCntrl",
-                               "F9SecuIdCntrl", "F9COMIDCntrl", "YearMonthSimple", "GroupFlagControl"};
-    QSet<QString> used;
-    const QDir dir(QStringLiteral(":/catalogue/views"));
-    for (const QString &name : dir.entryList({"*.json"}, QDir::Files, QDir::Name)) {
-        QFile file(dir.filePath(name));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        for (const QJsonValue &row : QJsonDocument::fromJson(file.readAll()).object().value("filters").toArray())
-            used.insert(row.toObject().value("ClassName").toString());
-    }
-    QStringList missing;
-    for (const QString &name : required) {
-        if (!used.contains(name))
-            missing.append(name);
-    }
-    QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ")));
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("list");
+    QTest::addColumn<QString>("pick");      // empty: the first entry
+    QTest::addColumn<bool>("filters");
+    QTest::addColumn<bool>("namesAreValues");
+
+    QTest::newRow("provinces filter by name") << "PROVINCE" << "PROVINCE_LIST" << "北京" << true << true;
+    QTest::newRow("another field shows names but never filters") << "IND_NAME" << "INDUSTRY_LIST" << "" << false << false;
+    QTest::newRow("fund companies") << "MGR_COMPANY" << "FUND_COMPANY_LIST" << "" << false << true;
+}
+
+// A list control filled from the service shows its names after its head
+// entry, ticks them all, and reports as its field allows.
+void tst_FilterCatalogue::serviceLists()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, list);
+    QFETCH(QString, pick);
+    QFETCH(bool, filters);
+    QFETCH(bool, namesAreValues);
+
+    QStringList names;
+    for (const QJsonValue &row : post(TFUc::listRequest(list, QString(), QString())).value("data").toArray())
+        names.append(row.toObject().value("NAME").toString());
+    names.sort();
+    QVERIFY(names.size() > 1);
+
+    TFTableModelData::FilterData row;
+    row.FieldName = field;
+    row.Operator = QStringLiteral("IN");
+    row.DataSourceName = list;
+    row.ClassName = QStringLiteral("ComboBox");
+    TFComboBox combo(row);
+    row.ClassName = QStringLiteral("CheckComboBox");
+    row.DefualtValue = names.first();      // a remote list has no default: all get ticked
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
+    TFCheckCombox check(row);
+    QTRY_COMPARE_WITH_TIMEOUT(combo.comboBox()->count(), names.size() + 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(check.listWidget()->count(), names.size() + 1, 10000);
+    QStringList shown;
+    for (int i = 0; i < combo.comboBox()->count(); ++i)
+        shown << combo.comboBox()->itemText(i) << check.listWidget()->item(i)->text();
+    QCOMPARE(shown.mid(0, 2), (QStringList{"未选择", "All"}));
+    for (int i = 1; i <= names.size(); ++i)
+        QCOMPARE(shown.mid(2 * i, 2), (QStringList{names.at(i - 1), names.at(i - 1)}));
+    QCOMPARE(check.checkedIndices().size(), names.size());
+    QCOMPARE(check.fullText(), QStringLiteral("All"));
+
+    combo.comboBox()->setCurrentIndex(pick.isEmpty() ? 1 : combo.comboBox()->findText(pick));
+    QCOMPARE(combo.getCntrl().value, filters ? QVariant(pick) : QVariant());
+    // A ticked text is looked up among the values: where names are their
+    // values the list filters by them all, otherwise by empty texts.
+    QCOMPARE(check.getCntrl().value.toStringList(),
+             namesAreValues ? names : QStringList(QVector<QString>(names.size()).toList()));
 }
 
 // A user opens the unit list of the quarterly figures and picks another
