@@ -24,12 +24,9 @@ void tst_FlowLayout::wrapping_data()
     QTest::newRow("one line") << 200 << three << "5,5 67,5 129,5" << 30;
     QTest::newRow("last fits to the pixel") << 184 << three << "5,5 67,5 129,5" << 30;
     QTest::newRow("one pixel short wraps") << 183 << three << "5,5 67,5 5,30" << 55;
-    QTest::newRow("tallest item sets the line") << 180 << QList<QSize>{{50, 20}, {50, 40}, {50, 20}}
-                                                << "5,5 67,5 5,50" << 75;
-    QTest::newRow("too wide for any line stays") << 40 << QList<QSize>{{50, 20}, {50, 20}}
-                                                 << "5,5 5,30" << 55;
-    QTest::newRow("hidden item takes no room") << 180 << QList<QSize>{{50, 20}, {0, 20}, {50, 20}, {50, 20}}
-                                               << "5,5 - 67,5 5,30" << 55;
+    QTest::newRow("tallest item sets the line") << 180 << QList<QSize>{{50, 20}, {50, 40}, {50, 20}} << "5,5 67,5 5,50" << 75;
+    QTest::newRow("too wide for any line stays") << 40 << QList<QSize>{{50, 20}, {50, 20}} << "5,5 5,30" << 55;
+    QTest::newRow("hidden item takes no room") << 180 << QList<QSize>{{50, 20}, {0, 20}, {50, 20}, {50, 20}} << "5,5 - 67,5 5,30" << 55;
 }
 
 void tst_FlowLayout::wrapping()

@@ -116,8 +116,7 @@ void tst_TFFilterWidget::finalFilter_data()
         << QByteArray(R"J([{"ClassName":"KeywordsBox","Operator":"LIKE","ValueType":"string","ParameterCategory":1}])J")
         << R"J([["keywords",""]] [])J";
     QTest::newRow("keywords without category still a parameter")
-        << QByteArray(R"J([{"ClassName":"TextEdit","ValueType":"string","DefualtValue":"平安"}])J")
-        << R"J([["keywords","平安"]] [])J";
+        << QByteArray(R"J([{"ClassName":"TextEdit","ValueType":"string","DefualtValue":"平安"}])J") << R"J([["keywords","平安"]] [])J";
     QTest::newRow("date range: two entries, _0 and _1")
         << QByteArray(R"J([{"ClassName":"DateTimeInterval","FieldName":"T","ValueType":"DateTime","DefualtValue":"=date'2024-01-01';=date'2024-03-31'"}])J")
         << R"J([] [["T","T_0",">=",["[2024-01-01 00:00:00]"]],["T","T_1","<=",["[2024-03-31 23:59:59]"]]])J";
@@ -132,11 +131,8 @@ void tst_TFFilterWidget::finalFilter_data()
                          {"ClassName":"VirtualCntrl","FieldName":"S","Operator":"=","ValueType":"decimal","DefualtValue":"7","ParameterCategory":1}])J")
         << R"J([] [["S","S_0","==",[7]]])J";
     QTest::newRow("PROVINCE with 未选择 is dropped")
-        << QByteArray(R"J([{"ClassName":"VirtualCntrl","FieldName":"PROVINCE","ValueType":"string","DefualtValue":"未选择"}])J")
-        << "[] []";
-    QTest::newRow("PROVINCE empty is dropped")
-        << QByteArray(R"J([{"ClassName":"TextEdit","FieldName":"PROVINCE","ValueType":"string"}])J")
-        << "[] []";
+        << QByteArray(R"J([{"ClassName":"VirtualCntrl","FieldName":"PROVINCE","ValueType":"string","DefualtValue":"未选择"}])J") << "[] []";
+    QTest::newRow("PROVINCE empty is dropped") << QByteArray(R"J([{"ClassName":"TextEdit","FieldName":"PROVINCE","ValueType":"string"}])J") << "[] []";
     QTest::newRow("PROVINCE list starting with 未选择 is dropped")
         << QByteArray(R"J([{"ClassName":"VirtualCntrl","FieldName":"PROVINCE","Operator":"IN","ValueType":"string","DefualtValue":"未选择;广东"}])J")
         << "[] []";
@@ -210,22 +206,21 @@ void tst_TFFilterWidget::globalAndF9Arguments_data()
 
     const QVariantMap none;
     QTest::newRow("default") << "F9SecuIdCntrl" << none << none << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
-    QTest::newRow("F9 argument replaces")
-        << "F9SecuIdCntrl" << none << QVariantMap{{"SECU_ID", "600000"}} << R"J([] [["SECU_ID","SECU_ID_0","==",["600000"]]])J";
-    QTest::newRow("F9 company control, any case")
-        << "f9comidcntrl" << none << QVariantMap{{"SECU_ID", "8"}} << R"J([] [["SECU_ID","SECU_ID_0","==",["8"]]])J";
-    QTest::newRow("empty F9 argument leaves the default")
-        << "F9SecuIdCntrl" << none << QVariantMap{{"SECU_ID", ""}} << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
-    QTest::newRow("F9 arguments only for F9 controls")
-        << "VirtualCntrl" << none << QVariantMap{{"SECU_ID", "600000"}} << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
-    QTest::newRow("global argument replaces")
-        << "VirtualCntrl" << QVariantMap{{"SECU_ID", "42"}} << none << R"J([] [["SECU_ID","SECU_ID_0","==",[42]]])J";
-    QTest::newRow("empty global argument still replaces")
-        << "VirtualCntrl" << QVariantMap{{"SECU_ID", ""}} << none << R"J([] [["SECU_ID","SECU_ID_0","==",[0]]])J";
-    QTest::newRow("global argument of another key")
-        << "VirtualCntrl" << QVariantMap{{"COM_ID", "42"}} << none << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
-    QTest::newRow("F9 after global")
-        << "F9SecuIdCntrl" << QVariantMap{{"SECU_ID", "42"}} << QVariantMap{{"SECU_ID", "600000"}}
+    QTest::newRow("F9 argument replaces") << "F9SecuIdCntrl" << none << QVariantMap{{"SECU_ID", "600000"}}
+        << R"J([] [["SECU_ID","SECU_ID_0","==",["600000"]]])J";
+    QTest::newRow("F9 company control, any case") << "f9comidcntrl" << none << QVariantMap{{"SECU_ID", "8"}}
+        << R"J([] [["SECU_ID","SECU_ID_0","==",["8"]]])J";
+    QTest::newRow("empty F9 argument leaves the default") << "F9SecuIdCntrl" << none << QVariantMap{{"SECU_ID", ""}}
+        << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
+    QTest::newRow("F9 arguments only for F9 controls") << "VirtualCntrl" << none << QVariantMap{{"SECU_ID", "600000"}}
+        << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
+    QTest::newRow("global argument replaces") << "VirtualCntrl" << QVariantMap{{"SECU_ID", "42"}} << none
+        << R"J([] [["SECU_ID","SECU_ID_0","==",[42]]])J";
+    QTest::newRow("empty global argument still replaces") << "VirtualCntrl" << QVariantMap{{"SECU_ID", ""}} << none
+        << R"J([] [["SECU_ID","SECU_ID_0","==",[0]]])J";
+    QTest::newRow("global argument of another key") << "VirtualCntrl" << QVariantMap{{"COM_ID", "42"}} << none
+        << R"J([] [["SECU_ID","SECU_ID_0","==",[1]]])J";
+    QTest::newRow("F9 after global") << "F9SecuIdCntrl" << QVariantMap{{"SECU_ID", "42"}} << QVariantMap{{"SECU_ID", "600000"}}
         << R"J([] [["SECU_ID","SECU_ID_0","==",["600000"]]])J";
 }
 

@@ -50,8 +50,6 @@ private slots:
     void cleanupTestCase();
     void bar_data();
     void bar();
-    void serviceLists_data();
-    void serviceLists();
     void unitChoiceRescalesTheTable();
 
 private:
@@ -117,8 +115,7 @@ void tst_FilterCatalogue::bar_data()
         const QJsonArray filters = view.value("filters").toArray();
         if (filters.isEmpty())
             continue;
-        QTest::newRow(qPrintable(name + " " + view.value("name").toString()))
-            << qint64(view.value("id").toInt()) << filters
+        QTest::newRow(qPrintable(name + " " + view.value("name").toString())) << qint64(view.value("id").toInt()) << filters
             << (view.value("properties").toObject().value("IsOrder").toVariant().toString() == "1");
     }
 }
@@ -195,64 +192,6 @@ void tst_FilterCatalogue::bar()
     QTRY_VERIFY_WITH_TIMEOUT(widget.timeLabel()->text().startsWith(QStringLiteral("耗时"))
                                  || widget.timeLabel()->text() == QStringLiteral("无数据!"),
                              30000);
-}
-
-void tst_FilterCatalogue::serviceLists_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("list");
-    QTest::addColumn<QString>("pick");      // empty: the first entry
-    QTest::addColumn<bool>("filters");
-    QTest::addColumn<bool>("namesAreValues");
-
-    QTest::newRow("provinces filter by name") << "PROVINCE" << "PROVINCE_LIST" << "北京" << true << true;
-    QTest::newRow("another field shows names but never filters") << "IND_NAME" << "INDUSTRY_LIST" << "" << false << false;
-    QTest::newRow("fund companies") << "MGR_COMPANY" << "FUND_COMPANY_LIST" << "" << false << true;
-}
-
-// A list control filled from the service shows its names after its head
-// entry, ticks them all, and reports as its field allows.
-void tst_FilterCatalogue::serviceLists()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, list);
-    QFETCH(QString, pick);
-    QFETCH(bool, filters);
-    QFETCH(bool, namesAreValues);
-
-    QStringList names;
-    for (const QJsonValue &row : post(TFUc::listRequest(list, QString(), QString())).value("data").toArray())
-        names.append(row.toObject().value("NAME").toString());
-    names.sort();
-    QVERIFY(names.size() > 1);
-
-    TFTableModelData::FilterData row;
-    row.FieldName = field;
-    row.Operator = QStringLiteral("IN");
-    row.DataSourceName = list;
-    row.ClassName = QStringLiteral("ComboBox");
-    TFComboBox combo(row);
-    row.ClassName = QStringLiteral("CheckComboBox");
-    row.DefualtValue = names.first();      // a remote list has no default: all get ticked
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("signalInitItems"));
-    TFCheckCombox check(row);
-    QTRY_COMPARE_WITH_TIMEOUT(combo.comboBox()->count(), names.size() + 1, 10000);
-    QTRY_COMPARE_WITH_TIMEOUT(check.listWidget()->count(), names.size() + 1, 10000);
-    QStringList shown;
-    for (int i = 0; i < combo.comboBox()->count(); ++i)
-        shown << combo.comboBox()->itemText(i) << check.listWidget()->item(i)->text();
-    QCOMPARE(shown.mid(0, 2), (QStringList{"未选择", "All"}));
-    for (int i = 1; i <= names.size(); ++i)
-        QCOMPARE(shown.mid(2 * i, 2), (QStringList{names.at(i - 1), names.at(i - 1)}));
-    QCOMPARE(check.checkedIndices().size(), names.size());
-    QCOMPARE(check.fullText(), QStringLiteral("All"));
-
-    combo.comboBox()->setCurrentIndex(pick.isEmpty() ? 1 : combo.comboBox()->findText(pick));
-    QCOMPARE(combo.getCntrl().value, filters ? QVariant(pick) : QVariant());
-    // A ticked text is looked up among the values: where names are their
-    // values the list filters by them all, otherwise by empty texts.
-    QCOMPARE(check.getCntrl().value.toStringList(),
-             namesAreValues ? names : QStringList(QVector<QString>(names.size()).toList()));
 }
 
 // A user opens the unit list of the quarterly figures and picks another

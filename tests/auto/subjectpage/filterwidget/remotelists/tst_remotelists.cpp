@@ -98,30 +98,31 @@ void tst_RemoteLists::requestAndReply_data()
     QTest::addColumn<QByteArray>("reply");
     QTest::addColumn<bool>("updated");
     QTest::addColumn<QStringList>("names");     // the entries, without "未选择" and "All"
+    QTest::addColumn<QStringList>("values");    // of the check list: a ticked text is looked up among the values
 
     const QByteArray plain = R"({"filter":"","filterParams":{},"objName":"CITY_LIST"})";
     const auto rows = [](const QJsonArray &data) { return HttpTestServer::envelope(data); };
     QTest::newRow("names sorted; NAME and VALUE") << "(NAME like :NAME_0)" << R"({"NAME_0":"%江%"})"
-        << QByteArray(R"x({"filter":"(NAME like :NAME_0)","filterParams":{"NAME_0":"%江%"},"objName":"CITY_LIST"})x")
-        << 200 << rows({QJsonObject{{"NAME", "浙江"}, {"VALUE", "ZJ"}}, QJsonObject{{"NAME", "江苏"}, {"VALUE", "JS"}}})
-        << true << QStringList{"江苏", "浙江"};
+        << QByteArray(R"x({"filter":"(NAME like :NAME_0)","filterParams":{"NAME_0":"%江%"},"objName":"CITY_LIST"})x") << 200
+        << rows({QJsonObject{{"NAME", "浙江"}, {"VALUE", "ZJ"}}, QJsonObject{{"NAME", "江苏"}, {"VALUE", "JS"}}}) << true << QStringList{"江苏", "浙江"}
+        << QStringList{"", ""};
     QTest::newRow("node keys come first") << "" << "" << plain << 200
-        << rows({QJsonObject{{"NodeNameFieldName", "甲"}, {"NAME", "x"}, {"NodeDataKeyFieldName", 1}, {"VALUE", "y"}}})
-        << true << QStringList{"甲"};
+        << rows({QJsonObject{{"NodeNameFieldName", "甲"}, {"NAME", "x"}, {"NodeDataKeyFieldName", 1}, {"VALUE", "y"}}}) << true << QStringList{"甲"}
+        << QStringList{""};
     QTest::newRow("a repeated name is one entry") << "" << "" << plain << 200
-        << rows({QJsonObject{{"NAME", "a"}, {"VALUE", "1"}}, QJsonObject{{"NAME", "a"}, {"VALUE", "2"}}})
-        << true << QStringList{"a"};
-    QTest::newRow("parameters that are no JSON object go as {}") << "" << "[1,2]" << plain << 200 << rows({})
-                                                                 << true << QStringList();
-    QTest::newRow("parameters that don't parse go as {}") << "" << "{oops" << plain << 200 << rows({}) << true
-                                                          << QStringList();
-    QTest::newRow("a reply that doesn't parse: no entries") << "" << "" << plain << 200 << QByteArray("{\"data\":[")
-                                                            << true << QStringList();
-    QTest::newRow("data that is no array: no entries") << "" << "" << plain << 200
-                                                       << QByteArray(R"({"state":1,"data":{"NAME":"a"}})") << true
-                                                       << QStringList();
-    QTest::newRow("a failed request changes nothing") << "" << "" << plain << 500 << QByteArray("error") << false
-                                                      << QStringList();
+        << rows({QJsonObject{{"NAME", "a"}, {"VALUE", "1"}}, QJsonObject{{"NAME", "a"}, {"VALUE", "2"}}}) << true << QStringList{"a"}
+        << QStringList{""};
+    QTest::newRow("names that are their values") << "" << "" << plain << 200
+        << rows({QJsonObject{{"NAME", "沪"}, {"VALUE", "沪"}}, QJsonObject{{"NAME", "深"}, {"VALUE", "深"}}}) << true << QStringList{"沪", "深"}
+        << QStringList{"沪", "深"};
+    QTest::newRow("parameters that are no JSON object go as {}") << "" << "[1,2]" << plain << 200 << rows({}) << true << QStringList()
+        << QStringList();
+    QTest::newRow("parameters that don't parse go as {}") << "" << "{oops" << plain << 200 << rows({}) << true << QStringList() << QStringList();
+    QTest::newRow("a reply that doesn't parse: no entries") << "" << "" << plain << 200 << QByteArray("{\"data\":[") << true << QStringList()
+        << QStringList();
+    QTest::newRow("data that is no array: no entries") << "" << "" << plain << 200 << QByteArray(R"({"state":1,"data":{"NAME":"a"}})") << true
+        << QStringList() << QStringList();
+    QTest::newRow("a failed request changes nothing") << "" << "" << plain << 500 << QByteArray("error") << false << QStringList() << QStringList();
 }
 
 void tst_RemoteLists::requestAndReply()
@@ -133,6 +134,7 @@ void tst_RemoteLists::requestAndReply()
     QFETCH(QByteArray, reply);
     QFETCH(bool, updated);
     QFETCH(QStringList, names);
+    QFETCH(QStringList, values);
 
     answer(status, reply);
     const int before = m_server.requestCount();
@@ -159,6 +161,7 @@ void tst_RemoteLists::requestAndReply()
     for (int i = 1; i < check.listWidget()->count(); ++i)
         QCOMPARE(check.listWidget()->item(i)->checkState(), Qt::Checked);
     QCOMPARE(check.checkedIndices().size(), names.size());
+    QCOMPARE(check.getCntrl().value.toStringList(), values);
     // Both stay usable: a choice is still reported.
     QCOMPARE(combo.getCntrl().value, QVariant(combo.comboBox()->currentText()));
 }
