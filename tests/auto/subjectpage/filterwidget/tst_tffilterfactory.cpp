@@ -21,15 +21,12 @@ void tst_TFFilterFactory::links_data()
     QTest::addColumn<QStringList>("fields");
     QTest::addColumn<QString>("links");     // target<sourceField, "*" when from the data source
 
-    QTest::newRow("pieces cut behind the first dot")
-        << "A.SECU_ID=数据源.SECU_ID;A.COM_ID=B.COMPANY" << QStringList() << "SECU_ID<SECU_ID* COMPANY<COM_ID";
-    QTest::newRow("left piece named by a field stays whole")
-        << "A.ID=数据源.X.Y" << QStringList{"A.ID"} << "X.Y<A.ID*";
-    QTest::newRow("no dot and no field keeps the piece")
-        << "SECU_ID=SECU" << QStringList{"OTHER"} << "SECU<SECU_ID";
+    QTest::newRow("pieces cut behind the first dot") << "A.SECU_ID=数据源.SECU_ID;A.COM_ID=B.COMPANY" << QStringList()
+        << "SECU_ID<SECU_ID* COMPANY<COM_ID";
+    QTest::newRow("left piece named by a field stays whole") << "A.ID=数据源.X.Y" << QStringList{"A.ID"} << "X.Y<A.ID*";
+    QTest::newRow("no dot and no field keeps the piece") << "SECU_ID=SECU" << QStringList{"OTHER"} << "SECU<SECU_ID";
     QTest::newRow("data source word inside the piece") << "a=X数据源.F" << QStringList() << "F<a*";
-    QTest::newRow("pairs of other than two pieces are skipped")
-        << "A=B=C;;=X;Y=;A.F=B.G" << QStringList() << "G<F";
+    QTest::newRow("pairs of other than two pieces are skipped") << "A=B=C;;=X;Y=;A.F=B.G" << QStringList() << "G<F";
     QTest::newRow("nothing behind the dot is skipped") << "A.=B.G;A.F=B." << QStringList() << "";
     QTest::newRow("repeated target: the first wins") << "A.F=B.T;A.G=B.T" << QStringList() << "T<F T<G";
     QTest::newRow("empty text") << "" << QStringList() << "";

@@ -23,18 +23,15 @@ void tst_TFCacheConfig::query_data()
                                  {"VALUE":"HK1","NAME":"香港","TYPE":"AREA","TYPE_DESC":"地区","FILTER1":"HK"},
                                  {"VALUE":"HB","NAME":"华北","TYPE":"AREA","TYPE_DESC":"地区","FILTER1":"CN"},
                                  {"VALUE":"HSI","NAME":"恒生指数","TYPE":"CST_NUM","TYPE_DESC":"成份","FILTER1":"HK"}])";
-    QTest::newRow("type and filter, in list order") << areas << "AREA" << "CN"
-                                                    << QStringList{"HD|华东|AREA|地区|CN", "HB|华北|AREA|地区|CN"};
+    QTest::newRow("type and filter, in list order") << areas << "AREA" << "CN" << QStringList{"HD|华东|AREA|地区|CN", "HB|华北|AREA|地区|CN"};
     QTest::newRow("empty filter takes the whole type") << areas << "AREA" << ""
-                                                       << QStringList{"HD|华东|AREA|地区|CN", "HK1|香港|AREA|地区|HK",
-                                                                      "HB|华北|AREA|地区|CN"};
+        << QStringList{"HD|华东|AREA|地区|CN", "HK1|香港|AREA|地区|HK", "HB|华北|AREA|地区|CN"};
     QTest::newRow("type compared exactly") << areas << "area" << "" << QStringList();
     QTest::newRow("numbers in general format, six digits")
         << QByteArray(R"([{"VALUE":1234567,"NAME":"n","TYPE":7,"TYPE_DESC":"d","FILTER1":0.5},
                           {"VALUE":10000,"NAME":"m","TYPE":7,"FILTER1":0.5}])")
         << "7" << "0.5" << QStringList{"1.23457e+06|n|7|d|0.5", "10000|m|7||0.5"};
-    QTest::newRow("an object is no table") << QByteArray(R"({"VALUE":"HD","TYPE":"AREA"})") << "AREA" << ""
-                                           << QStringList();
+    QTest::newRow("an object is no table") << QByteArray(R"({"VALUE":"HD","TYPE":"AREA"})") << "AREA" << "" << QStringList();
     QTest::newRow("empty array") << QByteArray("[]") << "AREA" << "" << QStringList();
 }
 

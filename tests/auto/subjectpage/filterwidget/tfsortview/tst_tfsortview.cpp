@@ -33,24 +33,19 @@ void tst_TFSortView::dialog_data()
     QTest::addColumn<bool>("warned");
     QTest::addColumn<QString>("result");       // "position+" ascending, "position-" descending
 
-    QTest::newRow("same field twice warns, whatever the direction")
-        << QStringList{"add", "add", "order:1:降序", "confirm"} << 2 << 1 << "0,1" << true << "";
-    QTest::newRow("distinct fields are accepted")
-        << QStringList{"add", "add", "field:1:涨跌幅", "order:1:降序", "confirm"} << 2 << 1 << "0,1" << false
+    QTest::newRow("same field twice warns, whatever the direction") << QStringList{"add", "add", "order:1:降序", "confirm"} << 2 << 1 << "0,1" << true
+        << "";
+    QTest::newRow("distinct fields are accepted") << QStringList{"add", "add", "field:1:涨跌幅", "order:1:降序", "confirm"} << 2 << 1 << "0,1" << false
         << "0+,2-";
     QTest::newRow("an empty dialog warns") << QStringList{"confirm"} << 0 << -1 << "" << true << "";
     QTest::newRow("removing the only row") << QStringList{"add", "remove"} << 0 << -1 << "" << false << "";
-    QTest::newRow("removing selects row 0, numbers are not reused")
-        << QStringList{"add", "add", "add", "select:1", "remove", "add"} << 3 << 2 << "0,2,3" << false << "";
-    QTest::newRow("down from the last row wraps") << QStringList{"add", "add", "add", "down"} << 3 << 0 << "0,1,2"
-                                                  << false << "";
-    QTest::newRow("up from the first row wraps") << QStringList{"add", "add", "select:0", "up"} << 2 << 1 << "0,1"
-                                                 << false << "";
-    QTest::newRow("moving keeps the data in place")
-        << QStringList{"add", "add", "field:1:收盘价", "select:1", "up", "confirm"} << 2 << 0 << "0,1" << false
-        << "0+,1+";
-    QTest::newRow("clearing, then confirming, warns") << QStringList{"add", "clear", "confirm"} << 0 << -1 << ""
-                                                      << true << "";
+    QTest::newRow("removing selects row 0, numbers are not reused") << QStringList{"add", "add", "add", "select:1", "remove", "add"} << 3 << 2
+        << "0,2,3" << false << "";
+    QTest::newRow("down from the last row wraps") << QStringList{"add", "add", "add", "down"} << 3 << 0 << "0,1,2" << false << "";
+    QTest::newRow("up from the first row wraps") << QStringList{"add", "add", "select:0", "up"} << 2 << 1 << "0,1" << false << "";
+    QTest::newRow("moving keeps the data in place") << QStringList{"add", "add", "field:1:收盘价", "select:1", "up", "confirm"} << 2 << 0 << "0,1"
+        << false << "0+,1+";
+    QTest::newRow("clearing, then confirming, warns") << QStringList{"add", "clear", "confirm"} << 0 << -1 << "" << true << "";
 }
 
 void tst_TFSortView::dialog()
