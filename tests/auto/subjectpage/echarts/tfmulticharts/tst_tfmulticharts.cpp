@@ -22,16 +22,6 @@
 
 using namespace SubjectService;
 
-// Receives the addresses that the page hands to the desktop.
-class UrlCatcher : public QObject
-{
-    Q_OBJECT
-public:
-    QList<QUrl> urls;
-public slots:
-    void open(const QUrl &url) { urls.append(url); }
-};
-
 // The chart view with its page in the web engine, fed with the
 // configuration that the reference service makes of catalogue views. One
 // chart and its page serve every test but the one of early data; the page
@@ -39,6 +29,10 @@ public slots:
 class tst_TFMultiCharts : public QObject
 {
     Q_OBJECT
+
+public slots:
+    // Stands in for the desktop: records what the page hands to it.
+    void open(const QUrl &url) { m_opened.append(url); }
 
 private slots:
     void initTestCase();
@@ -63,6 +57,7 @@ private:
     QTemporaryDir m_dir;
     std::unique_ptr<Server> m_server;
     std::unique_ptr<TFMultiCharts> m_chart;
+    QList<QUrl> m_opened;
 };
 
 static const char kService[] = "servercfg.ini:Subject";
@@ -97,8 +92,7 @@ void tst_TFMultiCharts::initTestCase()
 void tst_TFMultiCharts::cleanupTestCase()
 {
     m_chart.reset();
-    if (m_server)
-        m_server->stop();
+    m_server.reset();
 }
 
 void tst_TFMultiCharts::cleanup()
@@ -239,11 +233,9 @@ void tst_TFMultiCharts::foreignNavigationIsRefused()
 {
     QVERIFY(draw(612, kGdpRows));
     const int before = evaluate("drawCount").toInt();
-    UrlCatcher catcher;
-    QDesktopServices::setUrlHandler("http", &catcher, "open");
+    QDesktopServices::setUrlHandler("http", this, "open");
     evaluate("window.location.href = 'http://127.0.0.1:9/elsewhere'; 1");
-    QTRY_COMPARE_WITH_TIMEOUT(catcher.urls.size(), 1, 10000);
-    QCOMPARE(catcher.urls.first(), QUrl("http://127.0.0.1:9/elsewhere"));
+    QTRY_COMPARE_WITH_TIMEOUT(m_opened, QList<QUrl> { QUrl("http://127.0.0.1:9/elsewhere") }, 10000);
     QCOMPARE(m_chart->webView()->page()->url(), QUrl("qrc:/chart/web/html/index.html"));
     QCOMPARE(evaluate("drawCount").toInt(), before);   // the page was not loaded anew
 }
