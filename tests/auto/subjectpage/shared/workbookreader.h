@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDir>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,7 +9,7 @@
 
 // A workbook as an independent reader sees it: Debian's python3 with
 // openpyxl reads it, through readworkbook.py beside this header (a suite
-// names it in WORKBOOK_READER).
+// names it in WORKBOOK_READER). One reader process serves the whole run.
 struct WorkbookReader
 {
     QJsonObject cells;
@@ -20,14 +19,25 @@ struct WorkbookReader
 
     explicit WorkbookReader(const QString &path)
     {
-        const QString script = QStringLiteral(WORKBOOK_READER);
-        QProcess python;
-        python.start(QStringLiteral("/usr/bin/python3"), {script, path});
-        if (!python.waitForFinished(60000) || python.exitCode() != 0) {
-            error = QString::fromUtf8(python.readAllStandardError()) + python.errorString();
-            return;
+        static QProcess *python = nullptr;
+        if (!python) {
+            python = new QProcess;
+            python->start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(WORKBOOK_READER)});
+            qAddPostRoutine([] {
+                python->closeWriteChannel();
+                python->waitForFinished(10000);
+                delete python;
+            });
         }
-        const QJsonObject sheet = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+        python->write(path.toUtf8() + '\n');
+        while (!python->canReadLine()) {
+            if (!python->waitForReadyRead(60000)) {
+                error = QString::fromUtf8(python->readAllStandardError()) + python->errorString();
+                return;
+            }
+        }
+        const QJsonObject sheet = QJsonDocument::fromJson(python->readLine()).object();
+        error = sheet.value(QLatin1String("error")).toString();
         cells = sheet.value(QLatin1String("cells")).toObject();
         for (const QJsonValue &merge : sheet.value(QLatin1String("merges")).toArray())
             merges.append(merge.toString());

@@ -52,21 +52,6 @@ std::unique_ptr<TFTreeStruct> header(const QString &layout, bool grouped = false
     return root;
 }
 
-template<typename T>
-QList<T> repeated(int n, const T &item)
-{
-    QList<T> list;
-    for (int i = 0; i < n; ++i)
-        list.append(item);
-    return list;
-}
-
-QStringList sorted(QStringList list)
-{
-    list.sort();
-    return list;
-}
-
 } // namespace
 
 class tst_TFExcelWritter : public QObject
@@ -116,9 +101,7 @@ void tst_TFExcelWritter::columnLetters_data()
     QTest::newRow("Z") << 26 << "Z";
     QTest::newRow("AA") << 27 << "AA";
     QTest::newRow("AZ") << 52 << "AZ";
-    QTest::newRow("BA") << 53 << "BA";
-    QTest::newRow("CZ, the last of 104") << 104 << "CZ";
-    QTest::newRow("beyond: DA") << 105 << "DA";
+    QTest::newRow("beyond CZ, the last of 104: DA") << 105 << "DA";
     QTest::newRow("ZZ") << 702 << "ZZ";
     QTest::newRow("AAA") << 703 << "AAA";
     QTest::newRow("last column of a sheet") << 16384 << "XFD";
@@ -202,7 +185,8 @@ void tst_TFExcelWritter::table()
     QVERIFY(!path.isEmpty());
     const WorkbookReader sheet(path);
     QVERIFY2(sheet.ok(), qPrintable(sheet.error));
-    QCOMPARE(sheet.all(), sorted(cells));
+    cells.sort();
+    QCOMPARE(sheet.all(), cells);
     QCOMPARE(sheet.merges, merges);
     if (!widths.isEmpty())
         QCOMPARE(sheet.widths.keys().join(QString()), widths);
@@ -223,9 +207,9 @@ void tst_TFExcelWritter::table()
 
 void tst_TFExcelWritter::numberFormats_data()
 {
-    const QString asDouble = TFExcelWritter::doubleFormat;
-    const QString asInt = TFExcelWritter::integerFormat;
-    const QString asDate = TFExcelWritter::dateFormat;
+    const QString asDouble = QStringLiteral("#,##0.00######;-#,##0.00######");
+    const QString asInt = QStringLiteral("#,##0;-#,##0");
+    const QString asDate = QStringLiteral("yyyy-MM-dd");
 
     QTest::addColumn<QVariantList>("values");
     QTest::addColumn<QStringList>("texts");
@@ -326,7 +310,7 @@ void tst_TFExcelWritter::nothingHalfWritten()
     }
 
     const std::unique_ptr<TFTreeStruct> tree = header(QStringLiteral("A,B"));
-    const Rows rows = repeated(5000, QVariantList{1, QStringLiteral("b")});
+    const Rows rows = QVector<QVariantList>(5000, {1, QStringLiteral("b")}).toList();
     const QString target = how == QLatin1String("folder") ? dir.filePath(QStringLiteral("no/such/out.xlsx")) : path;
     {
         TFXlsxDocument doc(target);
@@ -344,7 +328,7 @@ void tst_TFExcelWritter::nothingHalfWritten()
                 }));
                 QVERIFY(calls > 1);
             } else if (how == QLatin1String("wide")) {
-                QVERIFY(!TFExcelWritter::writeData(doc, tree.get(), Rows{repeated(TFXlsxDocument::maxColumns + 1, QVariant(1))}));
+                QVERIFY(!TFExcelWritter::writeData(doc, tree.get(), Rows{QVector<QVariant>(16385, 1).toList()}));
             } else {
                 QVERIFY(TFExcelWritter::writeData(doc, tree.get(), rows));
             }
