@@ -23,11 +23,7 @@ struct WorkbookReader
         if (!python) {
             python = new QProcess;
             python->start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(WORKBOOK_READER)});
-            qAddPostRoutine([] {
-                python->closeWriteChannel();
-                python->waitForFinished(10000);
-                delete python;
-            });
+            qAddPostRoutine([] { python->closeWriteChannel(); python->waitForFinished(10000); delete python; });
         }
         python->write(path.toUtf8() + '\n');
         while (!python->canReadLine()) {
@@ -45,19 +41,16 @@ struct WorkbookReader
     }
 
     bool ok() const { return error.isEmpty(); }
-    QJsonObject cell(const QString &name) const { return cells.value(name).toObject(); }
     // The value as text: numbers as QString::number writes them, dates in
     // ISO form, booleans as true/false; empty for a cell that is not there.
     QString text(const QString &name) const
     {
-        const QJsonValue value = cell(name).value(QLatin1String("value"));
-        if (value.isDouble())
-            return QString::number(value.toDouble(), 'g', 15);
-        if (value.isBool())
-            return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-        return value.toString();
+        const QJsonValue value = cells.value(name).toObject().value(QLatin1String("value"));
+        return value.isDouble() ? QString::number(value.toDouble(), 'g', 15)
+             : value.isBool()   ? QString::fromLatin1(value.toBool() ? "true" : "false")
+                                : value.toString();
     }
-    QString format(const QString &name) const { return cell(name).value(QLatin1String("format")).toString(); }
+    QString format(const QString &name) const { return cells.value(name).toObject().value(QLatin1String("format")).toString(); }
     // Every cell with a value, as "A1=text", sorted by name.
     QStringList all() const
     {
