@@ -55,10 +55,8 @@ private slots:
     void columnLetters();
     void table_data();
     void table();
-    void numberFormats_data();
-    void numberFormats();
-    void texts_data();
-    void texts();
+    void values_data();
+    void values();
     void nothingHalfWritten_data();
     void nothingHalfWritten();
 
@@ -191,7 +189,8 @@ void tst_TFExcelWritter::table()
     }
 }
 
-void tst_TFExcelWritter::numberFormats_data()
+// One row of values: each cell's text as read back and its number format.
+void tst_TFExcelWritter::values_data()
 {
     const QString asDouble = QStringLiteral("#,##0.00######;-#,##0.00######");
     const QString asInt = QStringLiteral("#,##0;-#,##0");
@@ -215,6 +214,18 @@ void tst_TFExcelWritter::numberFormats_data()
         << QStringList{asDouble, asDouble, asDouble, asDouble, asInt};
     QTest::newRow("one blank from an empty cell is a text")
         << QVariantList{QStringLiteral(" "), 1.0} << QStringList{" ", "1"} << QStringList{"General", asDouble};
+    // Texts are cleaned of what a cell should not hold.
+    const QStringList text { "General" };
+    QTest::newRow("CR LF removed") << QVariantList { "a\r\nb\r\nc" } << QStringList { "abc" } << text;
+    QTest::newRow("CR CR removed") << QVariantList { "a\r\rb" } << QStringList { "ab" } << text;
+    QTest::newRow("backslash u removed") << QVariantList { "x\\u4e2dy" } << QStringList { "x4e2dy" } << text;
+    QTest::newRow("line feed kept") << QVariantList { "a\nb" } << QStringList { "a\nb" } << text;
+    QTest::newRow("control characters dropped")
+        << QVariantList { QString::fromUtf8("a\x01\x1f" "b\x7f") } << QStringList { QString::fromUtf8("ab\x7f") } << text;
+    QTest::newRow("a formula stays a text") << QVariantList { "=1+1" } << QStringList { "=1+1" } << text;
+    QTest::newRow("Chinese") << QVariantList { "股票代码" } << QStringList { "股票代码" } << text;
+    QTest::newRow("cut to what a cell holds")
+        << QVariantList { QString(40000, 'x') } << QStringList { QString(32767, 'x') } << text;
     QTest::newRow("values of unexpected types: their text, or nothing")
         << QVariantList{QVariant(QVariantList{1, 2}), QUrl(QStringLiteral("http://a/b")), QByteArray("raw"),
                         QVariant(), QVariant(QVariant::Double), std::nan(""), 2}
@@ -222,7 +233,7 @@ void tst_TFExcelWritter::numberFormats_data()
         << QStringList{"General", "General", "General", "General", "General", asDouble, asInt};
 }
 
-void tst_TFExcelWritter::numberFormats()
+void tst_TFExcelWritter::values()
 {
     QFETCH(QVariantList, values);
     QFETCH(QStringList, texts);
@@ -242,32 +253,6 @@ void tst_TFExcelWritter::numberFormats()
         if (!texts.at(i).isEmpty())
             QVERIFY2(sheet.format(cell) == formats.at(i), qPrintable(cell + QLatin1Char(' ') + sheet.format(cell)));
     }
-}
-
-void tst_TFExcelWritter::texts_data()
-{
-    QTest::addColumn<QString>("written");
-    QTest::addColumn<QString>("read");
-    QTest::newRow("CR LF removed") << "a\r\nb\r\nc" << "abc";
-    QTest::newRow("CR CR removed") << "a\r\rb" << "ab";
-    QTest::newRow("backslash u removed") << "x\\u4e2dy" << "x4e2dy";
-    QTest::newRow("line feed kept") << "a\nb" << "a\nb";
-    QTest::newRow("control characters dropped") << QString::fromUtf8("a\x01\x1f" "b\x7f") << QString::fromUtf8("ab\x7f");
-    QTest::newRow("a formula stays a text") << "=1+1" << "=1+1";
-    QTest::newRow("Chinese") << "股票代码" << "股票代码";
-    QTest::newRow("cut to what a cell holds") << QString(40000, QLatin1Char('x')) << QString(32767, QLatin1Char('x'));
-}
-
-void tst_TFExcelWritter::texts()
-{
-    QFETCH(QString, written);
-    QFETCH(QString, read);
-    const std::unique_ptr<TFTreeStruct> tree = header(QStringLiteral("A"));
-    const QString path = write(tree.get(), Rows{{written}});
-    QVERIFY(!path.isEmpty());
-    const WorkbookReader sheet(path);
-    QVERIFY2(sheet.ok(), qPrintable(sheet.error));
-    QCOMPARE(sheet.text(QStringLiteral("A2")), read);
 }
 
 // An older workbook of the same name stays as it was when a writing fails.
