@@ -25,7 +25,7 @@ using namespace SubjectService;
 // The chart view with its page in the web engine, fed with the
 // configuration that the reference service makes of catalogue views. One
 // chart and its page serve every test but the one of early data; the page
-// keeps a pie's titles once drawn, so the skin test comes before any pie.
+// keeps a pie's titles once drawn, so the skin test draws the only pie.
 class tst_TFMultiCharts : public QObject
 {
     Q_OBJECT
@@ -42,8 +42,6 @@ private slots:
     void badReplyKeepsTheChart_data();
     void badReplyKeepsTheChart();
     void skinReachesThePage();
-    void drawsEachMode_data();
-    void drawsEachMode();
     void foreignNavigationIsRefused();
     void saveWritesAPicture();
     void dataBeforeThePageIsDrawnOnce();
@@ -185,9 +183,12 @@ void tst_TFMultiCharts::badReplyKeepsTheChart()
     QCOMPARE(evaluate("option.series[0].data.join(',')").toString(), firstData);
 }
 
+// Each mode is drawn with its series' types; the skin reaches the page.
 void tst_TFMultiCharts::skinReachesThePage()
 {
+    const QString types = "tfCharts.getOption().series.map(function (s) { return s.type; }).join(',')";
     QVERIFY(draw(612, kGdpRows));
+    QCOMPARE(evaluate(types).toString(), QStringLiteral("bar,bar,bar,line"));
     m_chart->slotChangeSkin("black");
     QTRY_COMPARE_WITH_TIMEOUT(evaluate("option.backgroundColor").toString(), QStringLiteral("#080B10"), 10000);
     QCOMPARE(evaluate("document.getElementById('menu').className").toString(), QStringLiteral("menu_black"));
@@ -199,34 +200,12 @@ void tst_TFMultiCharts::skinReachesThePage()
     // After a pie with titles the page stops before the menu: the chart
     // takes the dark colours, the menu stays light.
     QVERIFY(draw(3112, kRatingRows));
+    QCOMPARE(evaluate(types).toString(), QStringLiteral("pie,pie"));
     QCOMPARE(evaluate("option.title.length").toInt(), 2);
     m_chart->slotChangeSkin("black");
     QTRY_COMPARE_WITH_TIMEOUT(evaluate("option.backgroundColor").toString(), QStringLiteral("#080B10"), 10000);
     QCOMPARE(evaluate("document.getElementById('menu').className").toString(), QStringLiteral("menu_white"));
     m_chart->slotChangeSkin("Default");
-}
-
-void tst_TFMultiCharts::drawsEachMode_data()
-{
-    QTest::addColumn<qint64>("viewId");
-    QTest::addColumn<QJsonArray>("rows");
-    QTest::addColumn<QString>("types");
-
-    QTest::newRow("mixed, 612") << qint64(612) << kGdpRows << "bar,bar,bar,line";
-    QTest::newRow("plain pie, 3112") << qint64(3112) << kRatingRows << "pie,pie";
-}
-
-void tst_TFMultiCharts::drawsEachMode()
-{
-    QFETCH(qint64, viewId);
-    QFETCH(QJsonArray, rows);
-    QFETCH(QString, types);
-
-    // The view counts as settling until the page has drawn what it was sent.
-    const int before = evaluate("drawCount").toInt();
-    QVERIFY(draw(viewId, rows));
-    QCOMPARE(evaluate("drawCount").toInt(), before + 1);
-    QCOMPARE(evaluate("tfCharts.getOption().series.map(function (s) { return s.type; }).join(',')").toString(), types);
 }
 
 void tst_TFMultiCharts::foreignNavigationIsRefused()
