@@ -17,16 +17,21 @@ private slots:
 void tst_TerminalExport::exportFromTheCommandLine_data()
 {
     QTest::addColumn<QString>("url");
+    QTest::addColumn<QString>("file");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("message");
-    QTest::newRow("banded view") << "view://subjectpage?pnodecode=4785&objvwid=47850" << 0 << "rows written to";
+    const QString banded = QStringLiteral("view://subjectpage?pnodecode=4785&objvwid=47850");
+    QTest::newRow("banded view") << banded << "out.xlsx" << 0 << "rows written to";
     QTest::newRow("a chart as the main view: no table")
-        << "view://subjectpage?pnodecode=311&nodecode=311003&objvwid=3112" << 1 << "no table";
+        << "view://subjectpage?pnodecode=311&nodecode=311003&objvwid=3112" << "out.xlsx" << 1 << "no table";
+    // Told only when the rows have come and the workbook is written.
+    QTest::newRow("folder missing") << banded << "no/such/out.xlsx" << 1 << "cannot write";
 }
 
 void tst_TerminalExport::exportFromTheCommandLine()
 {
     QFETCH(QString, url);
+    QFETCH(QString, file);
     QFETCH(int, exitCode);
     QFETCH(QString, message);
 
@@ -37,7 +42,7 @@ void tst_TerminalExport::exportFromTheCommandLine()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_CACHE_HOME"), home.filePath(QStringLiteral("cache")));
-    const QString target = home.filePath(QStringLiteral("out.xlsx"));
+    const QString target = home.filePath(file);
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(SUBJECT_BIN_DIR "/subject-terminal"),
