@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDir>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,7 +9,7 @@
 
 // A workbook as an independent reader sees it: Debian's python3 with
 // openpyxl reads it, through readworkbook.py beside this header (a suite
-// names it in WORKBOOK_READER).
+// names it in WORKBOOK_READER). One reader process serves the whole run.
 struct WorkbookReader
 {
     QJsonObject cells;
@@ -20,14 +19,21 @@ struct WorkbookReader
 
     explicit WorkbookReader(const QString &path)
     {
-        const QString script = QStringLiteral(WORKBOOK_READER);
-        QProcess python;
-        python.start(QStringLiteral("/usr/bin/python3"), {script, path});
-        if (!python.waitForFinished(60000) || python.exitCode() != 0) {
-            error = QString::fromUtf8(python.readAllStandardError()) + python.errorString();
-            return;
+        static QProcess *python = nullptr;
+        if (!python) {
+            python = new QProcess;
+            python->start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(WORKBOOK_READER)});
+            qAddPostRoutine([] { python->closeWriteChannel(); python->waitForFinished(10000); delete python; });
         }
-        const QJsonObject sheet = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+        python->write(path.toUtf8() + '\n');
+        while (!python->canReadLine()) {
+            if (!python->waitForReadyRead(60000)) {
+                error = QString::fromUtf8(python->readAllStandardError()) + python->errorString();
+                return;
+            }
+        }
+        const QJsonObject sheet = QJsonDocument::fromJson(python->readLine()).object();
+        error = sheet.value(QLatin1String("error")).toString();
         cells = sheet.value(QLatin1String("cells")).toObject();
         for (const QJsonValue &merge : sheet.value(QLatin1String("merges")).toArray())
             merges.append(merge.toString());
@@ -35,19 +41,16 @@ struct WorkbookReader
     }
 
     bool ok() const { return error.isEmpty(); }
-    QJsonObject cell(const QString &name) const { return cells.value(name).toObject(); }
     // The value as text: numbers as QString::number writes them, dates in
     // ISO form, booleans as true/false; empty for a cell that is not there.
     QString text(const QString &name) const
     {
-        const QJsonValue value = cell(name).value(QLatin1String("value"));
-        if (value.isDouble())
-            return QString::number(value.toDouble(), 'g', 15);
-        if (value.isBool())
-            return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-        return value.toString();
+        const QJsonValue value = cells.value(name).toObject().value(QLatin1String("value"));
+        return value.isDouble() ? QString::number(value.toDouble(), 'g', 15)
+             : value.isBool()   ? QString::fromLatin1(value.toBool() ? "true" : "false")
+                                : value.toString();
     }
-    QString format(const QString &name) const { return cell(name).value(QLatin1String("format")).toString(); }
+    QString format(const QString &name) const { return cells.value(name).toObject().value(QLatin1String("format")).toString(); }
     // Every cell with a value, as "A1=text", sorted by name.
     QStringList all() const
     {
