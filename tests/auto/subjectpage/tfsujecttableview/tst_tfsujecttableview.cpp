@@ -420,6 +420,7 @@ void tst_TFSujectTableView::headerCaptionsFollowTree()
     f.header->updateUnit(QStringLiteral("万元"), 1);
     f.model.setHeader(f.header.get());
     QCOMPARE(f.view.view()->column(1)->caption(), QStringLiteral("B(万元)"));
+    QCOMPARE(f.model.headerData(1, Qt::Horizontal), QVariant("B(万元)"));
     QCOMPARE(f.view.view()->column(0)->caption(), QStringLiteral("A"));
 }
 
