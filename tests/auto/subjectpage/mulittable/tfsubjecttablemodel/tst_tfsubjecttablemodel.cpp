@@ -91,7 +91,6 @@ private slots:
     void colorFollowsRowsAndSkin();
     void colorOfExpressionsWithState();
     void colorPublishesAllButTheLastCell();
-    void captionFollowsUnitChange();
     void signals_();
     void allSelectedData();
     void recordChangesInTheTreeShowAtOnce();
@@ -348,23 +347,6 @@ void tst_TFSubjectTableModel::colorPublishesAllButTheLastCell()
     longer.setRows({ { 1, "x", "further" } });
     QCOMPARE(longer.colors(), QString("#008000"));
     QCOMPARE(table.colors(), QString("#008000"));
-}
-
-void tst_TFSubjectTableModel::captionFollowsUnitChange()
-{
-    HeaderFieldInfo unit = column("Y", "Decimal");
-    unit.columnType = QStringLiteral("BandedGridColumnWithUnit");
-    unit.showUnit = QStringLiteral("元");
-    unit.unitCategory = 1;
-    unit.captionShowType = 1;
-    Table table({ column("A", "String"), unit });
-    QCOMPARE(table.model.headerData(1, Qt::Horizontal), QVariant("Y(元)"));
-
-    // A unit change renames through the tree, and shows with the next setHeader.
-    table.root.updateUnit(QStringLiteral("亿元"), 1);
-    QCOMPARE(table.model.headerData(1, Qt::Horizontal), QVariant("Y(元)"));
-    table.model.setHeader(&table.root);
-    QCOMPARE(table.model.headerData(1, Qt::Horizontal), QVariant("Y(亿元)"));
 }
 
 void tst_TFSubjectTableModel::signals_()

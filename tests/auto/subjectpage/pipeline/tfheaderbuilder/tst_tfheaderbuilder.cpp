@@ -39,7 +39,6 @@ class tst_TFHeaderBuilder : public QObject
 private slots:
     void trees_data();
     void trees();
-    void settingsOfTheFieldTable();
     void captions_data();
     void captions();
     void widths_data();
@@ -100,23 +99,6 @@ void tst_TFHeaderBuilder::trees()
     for (int index : root.hiddenLeafIndexes())
         hidden << QString::number(index);
     QCOMPARE(QStringLiteral("%1; %2; %3").arg(root.depth()).arg(nodes(root.children()), hidden.join(',')), tree);
-}
-
-void tst_TFHeaderBuilder::settingsOfTheFieldTable()
-{
-    DocumentTables tables(DocumentTables::load("bands_view.json"));
-    TFTreeStruct root(QString{});
-    for (int i = 0; i < 4; ++i)
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^cant find field name:"));
-    TFSubject::buildHeader(&root, tables.view.get(), tables.objectView.get(), tables.summary.get(), parserSource());
-    const HeaderFieldInfo& code = root.findField("SECU_CODE")->info();
-    QCOMPARE(code.textAlignment, 1);
-    QCOMPARE(code.url, QStringLiteral("view:?secu={SECU_ID}"));
-    QCOMPARE(code.ownerBand, QStringLiteral("B_BASE"));
-    const HeaderFieldInfo& profit = root.findField("NET_PROFIT")->info();
-    QCOMPARE(profit.showUnitFactor, qint64(10000));
-    QCOMPARE(profit.cellStyleExpression, QStringLiteral("$NET_PROFIT > 0 ? 'red' : 'green'"));
-    QCOMPARE(root.firstUnit(), QStringLiteral("万元"));
 }
 
 void tst_TFHeaderBuilder::captions_data()

@@ -200,6 +200,7 @@ void tst_TFRowBuilder::plainValue_data()
     QTest::newRow("string of a number") << "NString" << "" << "" << QVariant(5) << QVariant("5");
     QTest::newRow("datetime") << "DateTime" << "" << "" << QVariant(1577923200000.9) << QVariant("2020-01-02");
     QTest::newRow("datetime with format") << "datetime" << "yyyyMMdd hh" << "" << QVariant(qint64(1577923200000)) << QVariant("20200102 00");
+    QTest::newRow("datetime of 0 is the epoch") << "DateTime" << "" << "" << QVariant(0) << QVariant("1970-01-01");
     QTest::newRow("datetime null") << "DateTime" << "" << "" << QVariant::fromValue(nullptr) << QVariant("");
     QTest::newRow("datetime null text") << "DateTime" << "" << "" << QVariant(QString()) << QVariant("");
     QTest::newRow("other as it is") << "Int64" << "" << "" << QVariant(7) << QVariant(7);
