@@ -127,14 +127,7 @@ public:
 };
 
 // A scripted data service for the replies the reference service never gives.
-enum class NavReply { Good, BadEnvelope, ServerError, EmptyRows };
-struct Script
-{
-    QJsonArray navigation;
-    QJsonArray blocks;
-    NavReply navReply = NavReply::Good;
-    bool constantsFail = false;
-};
+enum class NavReply { Good, BadEnvelope, ServerError, EmptyRows, BadConstants };
 
 int objIdOf(const RecordedRequest &request)
 {
@@ -188,12 +181,10 @@ private slots:
     void navigationReplies_data();
     void navigationReplies();
     void blockTreeAndItsFilter();
-    void constantsComeWithTheNavigation_data();
-    void constantsComeWithTheNavigation();
 
 private:
     std::unique_ptr<TFSubjectPage> openPage(const QString &url, const QUrl &service);
-    std::unique_ptr<HttpTestServer> startScript(Script script);
+    std::unique_ptr<HttpTestServer> startScript(NavReply navReply);
     static QJsonObject post(const TFUc::TFRequestContent &content);
     TFSubjectMainFrame *frame() const { return m_page->mainFrame(); }
     TFRightContainer *right() const { return frame()->rightContainer(); }
@@ -292,10 +283,7 @@ void tst_Page::stockPageOpens()
         QVERIFY(child->handleResponse(QJsonValue(), QString(), 0));
         QCOMPARE(child->grid(), grid);
     }
-    captions.sort();
-    QStringList expected{QStringLiteral("财务摘要"), QStringLiteral("日线走势"), QStringLiteral("十大股东")};
-    expected.sort();
-    QCOMPARE(captions, expected);
+    QCOMPARE(QSet<QString>(captions.cbegin(), captions.cend()), (QSet<QString>{"财务摘要", "日线走势", "十大股东"}));
 }
 
 void tst_Page::mainTableShowsTheServiceRows()
@@ -575,31 +563,35 @@ void tst_Page::tableReplies()
         QCOMPARE(table.total(), 0);
 }
 
-std::unique_ptr<HttpTestServer> tst_Page::startScript(Script script)
+// The navigation of topic 2, with two constants riding along as rows of no
+// node, and three sectors.
+std::unique_ptr<HttpTestServer> tst_Page::startScript(NavReply navReply)
 {
     const QString item260 = TFMenuCfg::instance()->itemOfView(QStringLiteral("260")).itemName;
     QJsonArray navigation{node(100, 2, QStringLiteral("行情"), 1, 0), node(101, 100, item260, 2, 260),
                           node(102, 100, QStringLiteral("其他"), 2, 261),
                           node(103, 2, QStringLiteral("网页"), 1, 0, QStringLiteral("about:blank"))};
-    for (const QJsonValue &row : qAsConst(script.navigation))
-        navigation.append(row);
-    script.navigation = navigation;
+    for (const QString &name : {QStringLiteral("华东"), QStringLiteral("华北")})
+        navigation.append(QJsonObject{{"NODE_CODE", -1}, {"P_NODE_CODE", -2}, {"VALUE", name + "v"}, {"NAME", name},
+                                      {"TYPE", "AREA"}, {"TYPE_DESC", "地区"}, {"FILTER1", "CN"}});
+    const QJsonArray blocks{QJsonObject{{"SECT_ID", 5}, {"P_SECT_ID", 0}, {"SECT_NAME", "行业"}},
+                            QJsonObject{{"SECT_ID", 6}, {"P_SECT_ID", 5}, {"SECT_NAME", "银行"}},
+                            QJsonObject{{"SECT_ID", "7"}, {"P_SECT_ID", 5}, {"SECT_NAME", "保险"}}};
     auto server = std::make_unique<HttpTestServer>();
-    server->setHandler([script](const RecordedRequest &request) {
+    server->setHandler([=](const RecordedRequest &request) {
         CannedReply reply;
         const int objId = objIdOf(request);
-        if (objId == 38 && script.navReply == NavReply::ServerError) {
+        if (objId == 38 && navReply == NavReply::ServerError) {
             reply.status = 500;
             reply.reason = "Internal Server Error";
         } else if (objId == 38) {
-            reply.body = script.navReply == NavReply::BadEnvelope
-                             ? QByteArray(R"({"state":1,"msg":"","data":[]})")
-                             : HttpTestServer::envelope(script.navReply == NavReply::EmptyRows ? QJsonArray() : script.navigation);
+            reply.body = navReply == NavReply::BadEnvelope ? QByteArray(R"({"state":1,"msg":"","data":[]})")
+                                                           : HttpTestServer::envelope(navReply == NavReply::EmptyRows ? QJsonArray() : navigation);
         } else if (objId == 43) {
-            reply.body = HttpTestServer::envelope(script.blocks);
+            reply.body = HttpTestServer::envelope(blocks);
         } else if (objId == 390) {
-            reply.body = script.constantsFail ? QByteArray(R"({"state":1})")
-                                              : HttpTestServer::envelope(QJsonArray{QJsonObject{{"VALUE", "1"}, {"NAME", "n"}}});
+            reply.body = navReply == NavReply::BadConstants ? QByteArray(R"({"state":1})")
+                                                            : HttpTestServer::envelope(QJsonArray{QJsonObject{{"VALUE", "1"}, {"NAME", "n"}}});
         } else {
             reply.body = "<html><body>page</body></html>";
             reply.headers = {{"Content-Type", "text/html"}};
@@ -627,6 +619,9 @@ void tst_Page::navigationReplies_data()
     QTest::newRow("macro topic, no node of it") << macro << NavReply::Good << 0 << true << qint64(-1) << 0;
     QTest::newRow("F9 topic by view") << "view://subjectpage?objvwid=1641" << NavReply::Good << 0 << true << qint64(-1) << 0;
     QTest::newRow("neither node nor view") << "view://subjectpage?pnodecode=61" << NavReply::Good << 0 << true << qint64(-1) << 0;
+    // The constants ride along in the navigation reply; the reply of objId 390
+    // only decides whether the table takes them.
+    QTest::newRow("constants reply without its keys") << macro << NavReply::BadConstants << 0 << true << qint64(-1) << 0;
     // The loading image stays over a page whose navigation failed.
     QTest::newRow("envelope without a key") << macro << NavReply::BadEnvelope << 0 << false << qint64(-1) << 0;
     QTest::newRow("service error") << macro << NavReply::ServerError << 0 << false << qint64(-1) << 0;
@@ -643,12 +638,12 @@ void tst_Page::navigationReplies()
     QFETCH(bool, built);
     QFETCH(qint64, view);
     QFETCH(int, stackIndex);
-    Script script;
-    script.navReply = reply;
-    auto server = startScript(script);
+    auto server = startScript(reply);
     QVERIFY(server);
-    if (reply == NavReply::BadEnvelope)
-        QTest::ignoreMessage(QtDebugMsg, "can't found the key: \"extend\"");
+    TFCacheConfig::instance()->clear();
+    if (reply == NavReply::BadEnvelope || reply == NavReply::BadConstants)
+        QTest::ignoreMessage(QtDebugMsg, reply == NavReply::BadEnvelope ? "can't found the key: \"extend\""
+                                                                        : "can't found the key: \"msg\"");
     auto page = openPage(url, server->baseUrl());
     TFSubjectMainFrame *frame = page->mainFrame();
     QLabel *label = frame->loadingLabel();
@@ -661,6 +656,13 @@ void tst_Page::navigationReplies()
     QTRY_COMPARE_WITH_TIMEOUT(countOf(*server, 390), int(built), kTimeout);
     QCOMPARE(frame->rightContainer()->currentView(), view);
     QCOMPARE(frame->stack()->currentIndex(), stackIndex);
+    const auto areas = [] {
+        QStringList names;
+        for (const TFCacheConfig::CodeRecord &record : TFCacheConfig::instance()->query("AREA", "CN"))
+            names.append(record.NAME);
+        return names;
+    };
+    QTRY_COMPARE(areas(), (built && reply == NavReply::Good ? QStringList{"华东", "华北"} : QStringList()));
     if (!built) {
         // The image is placed in the middle of the frame at each resize.
         page->resize(901, 501);
@@ -681,11 +683,7 @@ void tst_Page::navigationReplies()
 
 void tst_Page::blockTreeAndItsFilter()
 {
-    Script script;
-    script.blocks = {QJsonObject{{"SECT_ID", 5}, {"P_SECT_ID", 0}, {"SECT_NAME", "行业"}},
-                     QJsonObject{{"SECT_ID", 6}, {"P_SECT_ID", 5}, {"SECT_NAME", "银行"}},
-                     QJsonObject{{"SECT_ID", "7"}, {"P_SECT_ID", 5}, {"SECT_NAME", "保险"}}};
-    auto server = startScript(script);
+    auto server = startScript(NavReply::Good);
     QVERIFY(server);
     auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=2&objvwid=260"), server->baseUrl());
     TFSubjectMainFrame *frame = page->mainFrame();
@@ -704,42 +702,6 @@ void tst_Page::blockTreeAndItsFilter()
     QVERIFY(checked.contains(5) && checked.contains(6) && checked.contains(7));
     emit frame->rightContainer()->sigSectorNumChanged(QStringLiteral("银行"), QString());
     QCOMPARE(frame->blockFilter().second.toJsonArray(), QJsonArray{6});
-}
-
-void tst_Page::constantsComeWithTheNavigation_data()
-{
-    QTest::addColumn<bool>("constantsFail");
-    QTest::addColumn<QStringList>("names");
-    QTest::newRow("constants reply good") << false << QStringList{"华东", "华北"};
-    QTest::newRow("constants reply without its keys") << true << QStringList();
-}
-
-void tst_Page::constantsComeWithTheNavigation()
-{
-    QFETCH(bool, constantsFail);
-    QFETCH(QStringList, names);
-    // The constants ride along in the navigation reply as rows of no node;
-    // the reply of objId 390 only decides whether the table takes them.
-    Script script;
-    script.constantsFail = constantsFail;
-    for (const QString &name : {QStringLiteral("华东"), QStringLiteral("华北")})
-        script.navigation.append(QJsonObject{{"NODE_CODE", -1}, {"P_NODE_CODE", -2}, {"VALUE", name + "v"},
-                                             {"NAME", name}, {"TYPE", "AREA"}, {"TYPE_DESC", "地区"}, {"FILTER1", "CN"}});
-    auto server = startScript(script);
-    QVERIFY(server);
-    TFCacheConfig::instance()->clear();
-    if (constantsFail)
-        QTest::ignoreMessage(QtDebugMsg, "can't found the key: \"msg\"");
-    auto page = openPage(QStringLiteral("view://subjectpage?pnodecode=61&nodecode=101"), server->baseUrl());
-    QTRY_COMPARE_WITH_TIMEOUT(countOf(*server, 390), 1, kTimeout);
-    const auto cached = [] {
-        QStringList found;
-        for (const TFCacheConfig::CodeRecord &record : TFCacheConfig::instance()->query("AREA", "CN"))
-            found.append(record.NAME);
-        return found;
-    };
-    QVERIFY(drained());
-    QTRY_COMPARE(cached(), names);
 }
 
 SUBJECT_WEBENGINE_TEST_MAIN(tst_Page)
