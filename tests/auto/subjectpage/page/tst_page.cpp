@@ -188,10 +188,7 @@ private:
     static QJsonObject post(const TFUc::TFRequestContent &content);
     TFSubjectMainFrame *frame() const { return m_page->mainFrame(); }
     TFRightContainer *right() const { return frame()->rightContainer(); }
-    TFSubjectTableWidget *mainTable() const
-    {
-        return qobject_cast<TFSubjectTableWidget *>(right()->mainView()->currentView());
-    }
+    TFSubjectTableWidget *mainTable() const { return qobject_cast<TFSubjectTableWidget *>(right()->mainView()->currentView()); }
 
     QTemporaryDir m_dir;
     std::unique_ptr<SubjectService::Server> m_server;

@@ -28,7 +28,6 @@ private slots:
     void refusedUrlLeavesThePageEmpty();
     void windowTitleRule_data();
     void windowTitleRule();
-    void signalTextsNameRealSignals();
     void skinColoursReachTheCommonValues();
     void pluginMetadata();
     void pluginRegistersThePageType();
@@ -166,10 +165,13 @@ void tst_TFSubjectPage::refusedUrlLeavesThePageEmpty()
     QTest::ignoreMessage(QtWarningMsg, "url is unrecognizable");
     page.init(QUrl("view://elsewhere?pnodecode=2&objvwid=260"), QVariant());
     // Not refreshed: no right side, no web page, no URL.
-    QVERIFY(!page.mainFrame()->rightContainer());
-    QVERIFY(!page.mainFrame()->webView());
+    QVERIFY(!page.mainFrame()->rightContainer() && !page.mainFrame()->webView());
     QVERIFY(page.url().isEmpty());
     QVERIFY(!page.mainFrame()->property("pageUrl").isValid());
+    // The URL is kept on the page and its frame.
+    page.setUrl(QStringLiteral("view://subjectpage?x=1"));
+    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?x=1"));
+    QCOMPARE(page.mainFrame()->property("pageUrl").toString(), QStringLiteral("view://subjectpage?x=1"));
 }
 
 void tst_TFSubjectPage::windowTitleRule_data()
@@ -191,30 +193,15 @@ void tst_TFSubjectPage::windowTitleRule()
     QFETCH(QString, expected);
     TFSubjectPage page;
     page.mainFrame()->setCaption(caption);
-    QSignalSpy titles(&page, SIGNAL(signalWindowTitleChanged(QString)));
-    QSignalSpy icons(&page, SIGNAL(signalWindowIconChanged(QIcon)));
+    // The host connects by the texts the page gives; they must name its signals.
+    QVERIFY(!page.signalUrlChanged());
+    QSignalSpy titles(&page, page.signalWindowTitleChanged());
+    QSignalSpy icons(&page, page.signalWindowIconChanged());
+    QVERIFY(titles.isValid() && icons.isValid());
     page.slotChangeWindowTitle(title);
     QCOMPARE(titles.count(), 1);
     QCOMPARE(titles.first().first().toString(), expected);
     QCOMPARE(icons.count(), 1);
-}
-
-void tst_TFSubjectPage::signalTextsNameRealSignals()
-{
-    TFSubjectPage page;
-    QVERIFY(!page.signalUrlChanged());
-    // The host connects by these texts; they must name the page's signals.
-    QSignalSpy titleSpy(&page, page.signalWindowTitleChanged());
-    QSignalSpy iconSpy(&page, page.signalWindowIconChanged());
-    QVERIFY(titleSpy.isValid());
-    QVERIFY(iconSpy.isValid());
-    page.slotChangeWindowTitle(QStringLiteral("x"));
-    QCOMPARE(titleSpy.count(), 1);
-    QCOMPARE(iconSpy.count(), 1);
-
-    page.setUrl(QStringLiteral("view://subjectpage?x=1"));
-    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?x=1"));
-    QCOMPARE(page.mainFrame()->property("pageUrl").toString(), QStringLiteral("view://subjectpage?x=1"));
 }
 
 void tst_TFSubjectPage::skinColoursReachTheCommonValues()
@@ -263,26 +250,21 @@ void tst_TFSubjectPage::pluginRegistersThePageType()
     QVERIFY2(plugin, qPrintable(loader.errorString()));
     QVERIFY(plugin->initialize({}, nullptr));
     plugin->extensionsInitialized();
-
     const QVector<QObject *> objects = plugin->autoReleasedObjects();
     QCOMPARE(objects.size(), 1);
     QObject *registration = objects.first();
     QCOMPARE(registration->objectName(), QStringLiteral("SubjectPage"));
-    QVERIFY(!registration->parent());
     QCOMPARE(registration->property("id").toString(), QStringLiteral("TFApp.SUBJECT"));
     const int metaId = registration->property("metaId").toInt();
     QCOMPARE(QByteArray(QMetaType::typeName(metaId)), QByteArray("TFSubjectPage"));
 
     // What the host does with it: make a page from the type and talk to it through its interfaces.
     void *made = QMetaType::create(metaId);
-    QVERIFY(made);
     auto *widget = qobject_cast<QWidget *>(static_cast<QObject *>(made));
-    QVERIFY(widget);
+    QVERIFY(widget && !widget->parent());
     QCOMPARE(QByteArray(widget->metaObject()->className()), QByteArray("TFSubjectPage"));
     auto *page = dynamic_cast<ITFAbstractPage *>(widget);
-    QVERIFY(page);
-    QCOMPARE(page->getWidget(), widget);
-    QVERIFY(!widget->parent());
+    QVERIFY(page && page->getWidget() == widget);
     QMetaType::destroy(metaId, made);
 }
 
