@@ -128,6 +128,7 @@ public:
 
 // A scripted data service for the replies the reference service never gives.
 enum class NavReply { Good, BadEnvelope, ServerError, EmptyRows, BadConstants };
+enum class TableCase { NoMatch, UnknownView, ServiceDown, PageMovedOn };
 
 int objIdOf(const RecordedRequest &request)
 {
@@ -152,6 +153,7 @@ QJsonObject node(qlonglong code, qlonglong parent, const QString &caption, int l
 } // namespace
 
 Q_DECLARE_METATYPE(NavReply)
+Q_DECLARE_METATYPE(TableCase)
 
 class tst_Page : public QObject
 {
@@ -512,41 +514,33 @@ void tst_Page::everyTopicOpensFromItsTree()
 
 void tst_Page::tableReplies_data()
 {
-    QTest::addColumn<qint64>("viewId");
-    QTest::addColumn<bool>("serviceDown");
-    QTest::addColumn<QString>("keywords");
-    QTest::addColumn<bool>("pageMovedOn");
-    QTest::addColumn<bool>("good");
+    QTest::addColumn<TableCase>("change");
     // A query that matches nothing is still a good reply: the grid stands empty and the label tells the time.
-    QTest::newRow("no match") << qint64(260) << false << "no-such-security" << false << true;
-    QTest::newRow("service refuses an unknown view") << qint64(999999) << false << QString() << false << false;
-    QTest::newRow("nobody listens") << qint64(260) << true << QString() << false << false;
-    QTest::newRow("the page moved on to another view") << qint64(260) << false << QString() << true << false;
+    QTest::newRow("no match") << TableCase::NoMatch;
+    QTest::newRow("service refuses an unknown view") << TableCase::UnknownView;
+    QTest::newRow("nobody listens") << TableCase::ServiceDown;
+    QTest::newRow("the page moved on to another view") << TableCase::PageMovedOn;
 }
 
 void tst_Page::tableReplies()
 {
-    QFETCH(qint64, viewId);
-    QFETCH(bool, serviceDown);
-    QFETCH(QString, keywords);
-    QFETCH(bool, pageMovedOn);
-    QFETCH(bool, good);
+    QFETCH(TableCase, change);
+    const bool good = change == TableCase::NoMatch;
     NtResponse config;
     QVERIFY(TFJSP::parseResponse(QString::fromUtf8(QJsonDocument(post(TFUc::viewConfigRequest(260, {}, {}))).toJson()), config));
     TFRightContainer container;
-    TFSubjectTableWidget table(pageMovedOn ? &container : nullptr, true);
+    TFSubjectTableWidget table(change == TableCase::PageMovedOn ? &container : nullptr, true);
     table.initLayout();
     table.reset(260);
     table.parseConfig(config.data, true);
-    if (pageMovedOn) {
+    if (change == TableCase::PageMovedOn) {
         container.refreshPage(261, QStringLiteral("other"));
     } else {
         QTRY_VERIFY_WITH_TIMEOUT(settled(&table) && table.model() && table.model()->rowCount() > 0, kTimeout);
-        if (serviceDown)
+        if (change == TableCase::ServiceDown)
             TFUc::setBaseUrl(QUrl(QStringLiteral("http://127.0.0.1:9")));
-        table.setViewId(viewId);
-        table.loadData(keywords.isEmpty() ? qMakePair(QString(), QVariant())
-                                          : qMakePair(QStringLiteral("keywords"), QVariant(keywords)));
+        table.setViewId(change == TableCase::UnknownView ? 999999 : 260);
+        table.loadData(good ? qMakePair(QStringLiteral("keywords"), QVariant("no-such-security")) : qMakePair(QString(), QVariant()));
         QVERIFY(table.timeLabel()->text().startsWith(QStringLiteral("加载中... (起始时间: ")));
         QCOMPARE(table.cursor().shape(), Qt::WaitCursor);
     }
@@ -554,7 +548,7 @@ void tst_Page::tableReplies()
     QCOMPARE(kElapsed.match(table.timeLabel()->text()).hasMatch(), good);
     QCOMPARE(table.timeLabel()->text() == QStringLiteral("无数据!"), !good);
     QCOMPARE(table.cursor().shape(), Qt::ArrowCursor);
-    if (good || pageMovedOn)
+    if (good || change == TableCase::PageMovedOn)
         QVERIFY(!table.model() || table.model()->rowCount() == 0);
     if (good)
         QCOMPARE(table.total(), 0);
