@@ -39,8 +39,6 @@ private slots:
     void viewKind();
     void emptyStack();
     void tableThenChartThenTable();
-    void factory_data();
-    void factory();
 };
 
 void tst_TFMainView::viewKind_data()
@@ -64,21 +62,19 @@ void tst_TFMainView::viewKind()
 
 void tst_TFMainView::emptyStack()
 {
+    // With no view on top every forwarding answers empty, and nothing is made.
     TFMainView stack;
-    QCOMPARE(stack.count(), 0);
     QVERIFY(!stack.currentView());
     QCOMPARE(stack.currentViewId(), -1);
-    QVERIFY(stack.filters().isEmpty());
-    QVERIFY(stack.params().isEmpty());
-    QVERIFY(stack.getCntrls().isEmpty());
-    QVERIFY(stack.childLinkText(261).isEmpty());
-    QVERIFY(stack.firstRow().isEmpty());
-    QVERIFY(stack.allRows().isEmpty());
+    QVERIFY(stack.filters().isEmpty() && stack.params().isEmpty() && stack.getCntrls().isEmpty());
+    QVERIFY(stack.childLinkText(261).isEmpty() && stack.firstRow().isEmpty() && stack.allRows().isEmpty());
     stack.setViewId(5);
     stack.startLoading();
     stack.finished();
     stack.load(qMakePair(QString(), QVariant()));
     QCOMPARE(stack.count(), 0);
+    // The factory makes tables and charts only (the page walk sees both in its tabs).
+    QVERIFY(!createView(2, 42, configOfType(QString()), &stack, false));
 }
 
 void tst_TFMainView::tableThenChartThenTable()
@@ -93,13 +89,13 @@ void tst_TFMainView::tableThenChartThenTable()
     QVERIFY(!table->signalsBlocked());
     // The table's signals come out of the stack.
     QSignalSpy children(&stack, &TFMainView::updateChildren);
+    QSignalSpy notices(&stack, &TFMainView::signalGetSubViewCfg);
+    QSignalSpy sector(&stack, qOverload<QString>(&TFMainView::sigSectorNumChanged));
     emit table->updateChildren();
     QCOMPARE(children.count(), 1);
-    QSignalSpy notices(&stack, &TFMainView::signalGetSubViewCfg);
     emit table->signalGetSubViewCfg(12, QStringLiteral("c"), 11);
     QCOMPARE(notices.count(), 1);
     QCOMPARE(notices.at(0).at(0).toLongLong(), 12);
-    QSignalSpy sector(&stack, qOverload<QString>(&TFMainView::sigSectorNumChanged));
     emit table->sigSectorNumChanged(QStringLiteral("5"));
     QCOMPARE(sector.count(), 0); // the one-argument signal is not passed on
 
@@ -120,34 +116,6 @@ void tst_TFMainView::tableThenChartThenTable()
     QCOMPARE(stack.currentView(), static_cast<TFBaseView *>(table));
     QCOMPARE(stack.currentViewId(), 31);
     QCOMPARE(stack.kinds(), (QList<int>{0, 1}));
-}
-
-void tst_TFMainView::factory_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("made");
-    QTest::addColumn<int>("viewType");
-    QTest::newRow("table") << 0 << true << 0;
-    QTest::newRow("chart") << 1 << true << 1;
-    QTest::newRow("unknown") << 2 << false << -1;
-}
-
-void tst_TFMainView::factory()
-{
-    QFETCH(int, kind);
-    QFETCH(bool, made);
-    QFETCH(int, viewType);
-
-    QWidget parent;
-    TFBaseView *view = createView(kind, 42, configOfType(QString(), QStringLiteral("名")), &parent, false);
-    QCOMPARE(view != nullptr, made);
-    if (!view)
-        return;
-    QCOMPARE(view->parentWidget(), &parent);
-    QCOMPARE(view->viewId(), 42);
-    QCOMPARE(view->viewType(), viewType);
-    // A child table is silenced for good.
-    QCOMPARE(view->signalsBlocked(), kind == 0);
 }
 
 SUBJECT_WEBENGINE_TEST_MAIN(tst_TFMainView)

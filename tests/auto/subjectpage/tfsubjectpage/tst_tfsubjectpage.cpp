@@ -20,6 +20,7 @@ class tst_TFSubjectPage : public QObject
     Q_OBJECT
 private slots:
     void initTestCase();
+    void cleanup();
     void parseUrl_data();
     void parseUrl();
     void queryItemsBecomeProperties_data();
@@ -27,11 +28,12 @@ private slots:
     void refusedUrlLeavesThePageEmpty();
     void windowTitleRule_data();
     void windowTitleRule();
-    void signalTextsNameRealSignals();
-    void skinStyle();
-    void coloursReachTheCommonSkinValues();
+    void skinColoursReachTheCommonValues();
     void pluginMetadata();
     void pluginRegistersThePageType();
+
+private:
+    QList<QColor> m_colours; // the common header and highlight colours before the suite
 };
 
 void tst_TFSubjectPage::initTestCase()
@@ -39,11 +41,17 @@ void tst_TFSubjectPage::initTestCase()
     Q_INIT_RESOURCE(subjectpage);
     // The shipped menu, not one that happens to lie beside the test.
     QCOMPARE(TFMenuCfg::menuFilePath(), QStringLiteral(":/json/menu.json"));
-    QCOMPARE(TFMenuCfg::instance()->topicName(2), QStringLiteral("股票专题"));
-    QCOMPARE(TFMenuCfg::instance()->topicOfView(QStringLiteral("260")), 2);
-    QCOMPARE(TFMenuCfg::instance()->topicOfView(QStringLiteral("1641")), 190);
+    const TFQssCommon *common = TFQssCommon::instance();
+    m_colours = {common->headerBorderColor, common->headerSplitColor, common->highlightColor};
     // No service is needed: nothing here refreshes the frame.
     TFServiceConfig::instance()->setHttpUrl(QStringLiteral("servercfg.ini:Subject"), QUrl("http://127.0.0.1:9"));
+}
+
+void tst_TFSubjectPage::cleanup()
+{
+    TFQssCommon::instance()->headerBorderColor = m_colours.at(0);
+    TFQssCommon::instance()->headerSplitColor = m_colours.at(1);
+    TFQssCommon::instance()->highlightColor = m_colours.at(2);
 }
 
 void tst_TFSubjectPage::parseUrl_data()
@@ -157,10 +165,13 @@ void tst_TFSubjectPage::refusedUrlLeavesThePageEmpty()
     QTest::ignoreMessage(QtWarningMsg, "url is unrecognizable");
     page.init(QUrl("view://elsewhere?pnodecode=2&objvwid=260"), QVariant());
     // Not refreshed: no right side, no web page, no URL.
-    QVERIFY(!page.mainFrame()->rightContainer());
-    QVERIFY(!page.mainFrame()->webView());
+    QVERIFY(!page.mainFrame()->rightContainer() && !page.mainFrame()->webView());
     QVERIFY(page.url().isEmpty());
     QVERIFY(!page.mainFrame()->property("pageUrl").isValid());
+    // The URL is kept on the page and its frame.
+    page.setUrl(QStringLiteral("view://subjectpage?x=1"));
+    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?x=1"));
+    QCOMPARE(page.mainFrame()->property("pageUrl").toString(), QStringLiteral("view://subjectpage?x=1"));
 }
 
 void tst_TFSubjectPage::windowTitleRule_data()
@@ -182,72 +193,32 @@ void tst_TFSubjectPage::windowTitleRule()
     QFETCH(QString, expected);
     TFSubjectPage page;
     page.mainFrame()->setCaption(caption);
-    QSignalSpy titles(&page, SIGNAL(signalWindowTitleChanged(QString)));
-    QSignalSpy icons(&page, SIGNAL(signalWindowIconChanged(QIcon)));
+    // The host connects by the texts the page gives; they must name its signals.
+    QVERIFY(!page.signalUrlChanged());
+    QSignalSpy titles(&page, page.signalWindowTitleChanged());
+    QSignalSpy icons(&page, page.signalWindowIconChanged());
+    QVERIFY(titles.isValid() && icons.isValid());
     page.slotChangeWindowTitle(title);
     QCOMPARE(titles.count(), 1);
     QCOMPARE(titles.first().first().toString(), expected);
     QCOMPARE(icons.count(), 1);
 }
 
-void tst_TFSubjectPage::signalTextsNameRealSignals()
-{
-    TFSubjectPage page;
-    QCOMPARE(QByteArray(page.signalWindowTitleChanged()), QByteArray("2signalWindowTitleChanged(QString)"));
-    QCOMPARE(QByteArray(page.signalWindowIconChanged()), QByteArray("2signalWindowIconChanged(QIcon)"));
-    QVERIFY(!page.signalUrlChanged());
-    // The host connects by these texts; they must name the page's signals.
-    QSignalSpy titleSpy(&page, page.signalWindowTitleChanged());
-    QSignalSpy iconSpy(&page, page.signalWindowIconChanged());
-    QVERIFY(titleSpy.isValid());
-    QVERIFY(iconSpy.isValid());
-    page.slotChangeWindowTitle(QStringLiteral("x"));
-    QCOMPARE(titleSpy.count(), 1);
-    QCOMPARE(iconSpy.count(), 1);
-
-    page.setUrl(QStringLiteral("view://subjectpage?x=1"));
-    QCOMPARE(page.url(), QStringLiteral("view://subjectpage?x=1"));
-    QCOMPARE(page.mainFrame()->property("pageUrl").toString(), QStringLiteral("view://subjectpage?x=1"));
-}
-
-void tst_TFSubjectPage::skinStyle()
-{
-    TFSubjectPage page;
-    page.applySkinStyle(QStringLiteral("TFSubjectPage { background: red; }"));
-    QCOMPARE(page.styleSheet(), QStringLiteral("TFSubjectPage { background: red; }"));
-    page.applySkinStyle(QVariant());
-    QCOMPARE(page.styleSheet(), QStringLiteral("TFSubjectPage { background: red; }"));
-}
-
-void tst_TFSubjectPage::coloursReachTheCommonSkinValues()
+void tst_TFSubjectPage::skinColoursReachTheCommonValues()
 {
     // The skin's sheet sets the colours as properties; a sheet takes its
     // properties at the first polish, so the first sheet the page gets counts.
-    QString sheet = QStringLiteral("TFSubjectPage { qproperty-headerBorderColor: #102030;"
-                                   " qproperty-headerSplitColor: #405060; qproperty-highlightColor: #708090; }");
-    QFile skinFile(TFCore::instance()->getCurrentSkinPath(QStringLiteral("subject/subject.css")));
-    const bool skinned = skinFile.open(QIODevice::ReadOnly);
-    if (skinned)
-        sheet = QString::fromUtf8(skinFile.readAll());
-    const auto declared = [&sheet](const char *name) {
-        const QRegularExpression pattern(QStringLiteral("qproperty-%1\\s*:\\s*([^;\\s]+)").arg(QLatin1String(name)));
-        return QColor(pattern.match(sheet).captured(1));
-    };
-    const QColor border = declared("headerBorderColor");
-    const QColor split = declared("headerSplitColor");
-    const QColor highlight = declared("highlightColor");
-    if (!border.isValid() || !split.isValid() || !highlight.isValid())
-        QSKIP("the current skin declares no page colours");
-
+    const QString sheet = QStringLiteral("TFSubjectPage { qproperty-headerBorderColor: #102030;"
+                                         " qproperty-headerSplitColor: #405060; qproperty-highlightColor: #708090; }");
     TFSubjectPage page;
-    if (!skinned)
-        page.applySkinStyle(sheet);
+    page.applySkinStyle(sheet);
+    page.applySkinStyle(QVariant()); // no sheet: the last one stays
+    QCOMPARE(page.styleSheet(), sheet);
     page.ensurePolished();
-    QCOMPARE(page.headerBorderColor(), border);
-    QCOMPARE(TFQssCommon::instance()->headerBorderColor, border);
-    QCOMPARE(TFQssCommon::instance()->headerSplitColor, split);
-    QCOMPARE(TFQssCommon::instance()->highlightColor, highlight);
-
+    QCOMPARE(page.headerBorderColor(), QColor("#102030"));
+    QCOMPARE(TFQssCommon::instance()->headerBorderColor, QColor("#102030"));
+    QCOMPARE(TFQssCommon::instance()->headerSplitColor, QColor("#405060"));
+    QCOMPARE(TFQssCommon::instance()->highlightColor, QColor("#708090"));
     page.setProperty("highlightColor", QColor(Qt::red));
     QCOMPARE(TFQssCommon::instance()->highlightColor, QColor(Qt::red));
     QCOMPARE(page.highlightColor(), QColor(Qt::red));
@@ -259,17 +230,13 @@ void tst_TFSubjectPage::pluginMetadata()
     const QJsonObject meta = loader.metaData();
     QCOMPARE(meta.value(QStringLiteral("IID")).toString(), QStringLiteral("TFAppPlugin"));
     QCOMPARE(meta.value(QStringLiteral("className")).toString(), QStringLiteral("TFSubjectPagePlugin"));
-    const QJsonObject data = meta.value(QStringLiteral("MetaData")).toObject();
     const QString url = QStringLiteral("view://subjectpage?pnodecode=2&nodecode=&objvwid=260&title=股票专题");
-    QCOMPARE(data.value(QStringLiteral("Name")).toString(), QStringLiteral("SubjectPage"));
-    QCOMPARE(data.value(QStringLiteral("Version")).toString(), QStringLiteral("1.0.0"));
-    QCOMPARE(data.value(QStringLiteral("CompatVersion")).toString(), QStringLiteral("1.0.0"));
-    QCOMPARE(data.value(QStringLiteral("Required")), QJsonValue(false));
-    QCOMPARE(data.value(QStringLiteral("Category")).toString(), QStringLiteral("Subject"));
-    QCOMPARE(data.value(QStringLiteral("Arguments")), QJsonValue(QJsonArray()));
-    QCOMPARE(data.value(QStringLiteral("Dependencies")), QJsonValue(QJsonArray()));
-    QCOMPARE(data.value(QStringLiteral("Url")).toString(), url);
-    QCOMPARE(data.value(QStringLiteral("Description")).toString(), url);
+    const QJsonObject expected{{"Name", "SubjectPage"}, {"Version", "1.0.0"}, {"CompatVersion", "1.0.0"},
+                               {"Required", false}, {"Category", "Subject"}, {"Arguments", QJsonArray()},
+                               {"Dependencies", QJsonArray()}, {"Url", url}, {"Description", url}};
+    const QJsonObject data = meta.value(QStringLiteral("MetaData")).toObject();
+    for (auto it = expected.begin(); it != expected.end(); ++it)
+        QVERIFY2(data.value(it.key()) == it.value(), qPrintable(it.key()));
     // The default URL is one the page accepts.
     TFSubjectPage page;
     QVERIFY(page.parseUrl(QUrl(url)));
@@ -283,26 +250,21 @@ void tst_TFSubjectPage::pluginRegistersThePageType()
     QVERIFY2(plugin, qPrintable(loader.errorString()));
     QVERIFY(plugin->initialize({}, nullptr));
     plugin->extensionsInitialized();
-
     const QVector<QObject *> objects = plugin->autoReleasedObjects();
     QCOMPARE(objects.size(), 1);
     QObject *registration = objects.first();
     QCOMPARE(registration->objectName(), QStringLiteral("SubjectPage"));
-    QVERIFY(!registration->parent());
     QCOMPARE(registration->property("id").toString(), QStringLiteral("TFApp.SUBJECT"));
     const int metaId = registration->property("metaId").toInt();
     QCOMPARE(QByteArray(QMetaType::typeName(metaId)), QByteArray("TFSubjectPage"));
 
     // What the host does with it: make a page from the type and talk to it through its interfaces.
     void *made = QMetaType::create(metaId);
-    QVERIFY(made);
     auto *widget = qobject_cast<QWidget *>(static_cast<QObject *>(made));
-    QVERIFY(widget);
+    QVERIFY(widget && !widget->parent());
     QCOMPARE(QByteArray(widget->metaObject()->className()), QByteArray("TFSubjectPage"));
     auto *page = dynamic_cast<ITFAbstractPage *>(widget);
-    QVERIFY(page);
-    QCOMPARE(page->getWidget(), widget);
-    QVERIFY(!widget->parent());
+    QVERIFY(page && page->getWidget() == widget);
     QMetaType::destroy(metaId, made);
 }
 

@@ -12,6 +12,7 @@ struct FilterCall
 };
 using FilterCalls = QList<FilterCall>;
 Q_DECLARE_METATYPE(FilterCalls)
+Q_DECLARE_METATYPE(TFUc::TFRequestContent)
 
 namespace {
 
@@ -42,15 +43,11 @@ private slots:
     void initTestCase();
     void requestBodies_data();
     void requestBodies();
-    void endpoints_data();
-    void endpoints();
     void emptyBaseUrlLeavesThePath();
     void insertFilter_data();
     void insertFilter();
-    void droppedFiltersAreSilent();
     void viewProperties_data();
     void viewProperties();
-    void viewPropertyDefaults();
 };
 
 void tst_TFUc::initTestCase()
@@ -62,99 +59,79 @@ void tst_TFUc::initTestCase()
 
 void tst_TFUc::requestBodies_data()
 {
-    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<TFUc::TFRequestContent>("content");
+    QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("expected");
-
     using TFUc::TFPaging;
+    const QString ds = QStringLiteral("/bas/ds/data");
+    const QString subject = QStringLiteral("/bas/subject/data");
     QTest::newRow("navigation rows, stock topic")
-        << TFUc::navigationRowsRequest(2).body << QByteArray(R"j({"P_NODE_CODE":2,)j" + kAuth + R"j(,"objId":38})j");
+        << TFUc::navigationRowsRequest(2) << ds << QByteArray(R"j({"P_NODE_CODE":2,)j" + kAuth + R"j(,"objId":38})j");
     QTest::newRow("navigation rows, no topic")
-        << TFUc::navigationRowsRequest(-1).body << QByteArray(R"j({"P_NODE_CODE":-1,)j" + kAuth + R"j(,"objId":38})j");
+        << TFUc::navigationRowsRequest(-1) << ds << QByteArray(R"j({"P_NODE_CODE":-1,)j" + kAuth + R"j(,"objId":38})j");
     QTest::newRow("navigation rows, 64-bit code")
-        << TFUc::navigationRowsRequest(4294967296LL).body
+        << TFUc::navigationRowsRequest(4294967296LL) << ds
         << QByteArray(R"j({"P_NODE_CODE":4294967296,)j" + kAuth + R"j(,"objId":38})j");
     QTest::newRow("block rows, security type 10")
-        << TFUc::blockRowsRequest(10).body
+        << TFUc::blockRowsRequest(10) << ds
         << QByteArray("{" + kAuth + R"j(,"filter":"(SECU_TYP_CODE == :SECU_TYP_CODE)",)j"
                       R"j("filterParams":{"SECU_TYP_CODE":10},"objId":43})j");
     QTest::newRow("constants table")
-        << TFUc::constantsRequest().body << QByteArray("{" + kAuth + R"j(,"objId":390})j");
+        << TFUc::constantsRequest() << ds << QByteArray("{" + kAuth + R"j(,"objId":390})j");
     QTest::newRow("view configuration")
-        << TFUc::viewConfigRequest(260, {}, {}).body << QByteArray("{" + kAuth + R"j(,"flag":0,"obj_vw_id":260})j");
+        << TFUc::viewConfigRequest(260, {}, {}) << subject << QByteArray("{" + kAuth + R"j(,"flag":0,"obj_vw_id":260})j");
     QTest::newRow("view configuration ignores paging and keeps params")
-        << TFUc::viewConfigRequest(260, {{QStringLiteral("SECU_ID"), QStringLiteral("600000")}}, {}).body
+        << TFUc::viewConfigRequest(260, {{QStringLiteral("SECU_ID"), QStringLiteral("600000")}}, {}) << subject
         << QByteArray(R"j({"SECU_ID":"600000",)j" + kAuth + R"j(,"flag":0,"obj_vw_id":260})j");
     QTest::newRow("view data with a filter and a data-source parameter")
         << TFUc::viewDataRequest(260, {{QStringLiteral("P"), QStringLiteral("x")}},
                                  {customFilter(QStringLiteral("F"), QStringLiteral("=="), {1})},
-                                 TFPaging{false, 2, 50}).body
+                                 TFPaging{false, 2, 50}) << subject
         << QByteArray(R"j({"P":"x",)j" + kAuth + R"j(,"filter":"(F == :F)","filterParams":{"F":1},)j"
                       R"j("flag":1,"obj_vw_id":260,"page":2,"size":50})j");
     QTest::newRow("view data without paging omits page and size")
-        << TFUc::viewDataRequest(260, {}, {}, TFPaging{true, 3, 10}).body
+        << TFUc::viewDataRequest(260, {}, {}, TFPaging{true, 3, 10}) << subject
         << QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":260})j");
     QTest::newRow("whole data set")
-        << TFUc::wholeDataSetRequest(7, {}, {}).body << QByteArray("{" + kAuth + R"j(,"flag":2,"obj_vw_id":7})j");
+        << TFUc::wholeDataSetRequest(7, {}, {}) << subject << QByteArray("{" + kAuth + R"j(,"flag":2,"obj_vw_id":7})j");
     QTest::newRow("view request with a given flag")
-        << TFUc::viewRequest(9, 5, {}, {}, TFPaging{false, 1, 200}).body
+        << TFUc::viewRequest(9, 5, {}, {}, TFPaging{false, 1, 200}) << subject
         << QByteArray("{" + kAuth + R"j(,"flag":5,"obj_vw_id":9,"page":1,"size":200})j");
     QTest::newRow("null parameter omitted, empty string sent")
         << TFUc::viewDataRequest(1, {{QStringLiteral("A"), QVariant()}, {QStringLiteral("B"), QString("")}}, {},
-                                 TFPaging{}).body
+                                 TFPaging{}) << subject
         << QByteArray(R"j({"B":"",)j" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
     QTest::newRow("null key omitted")
-        << TFUc::viewDataRequest(1, {{QString(), 5}}, {}, TFPaging{}).body
+        << TFUc::viewDataRequest(1, {{QString(), 5}}, {}, TFPaging{}) << subject
         << QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
     QTest::newRow("a later parameter replaces an earlier one")
-        << TFUc::viewDataRequest(1, {{QStringLiteral("K"), 1}, {QStringLiteral("K"), 2}}, {}, TFPaging{}).body
+        << TFUc::viewDataRequest(1, {{QStringLiteral("K"), 1}, {QStringLiteral("K"), 2}}, {}, TFPaging{}) << subject
         << QByteArray(R"j({"K":2,)j" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
     QTest::newRow("the builder's flag and view replace parameters of those names")
         << TFUc::viewDataRequest(1, {{QStringLiteral("flag"), 9}, {QStringLiteral("obj_vw_id"), 8}}, {},
-                                 TFPaging{}).body
+                                 TFPaging{}) << subject
         << QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
     QTest::newRow("list parameter")
-        << TFUc::viewDataRequest(1, {{QStringLiteral("filterBlock"), QVariantList{3, 4}}}, {}, TFPaging{}).body
+        << TFUc::viewDataRequest(1, {{QStringLiteral("filterBlock"), QVariantList{3, 4}}}, {}, TFPaging{}) << subject
         << QByteArray("{" + kAuth + R"j(,"filterBlock":[3,4],"flag":1,"obj_vw_id":1})j");
-    QTest::newRow("refused operator leaves the body without a condition")
-        << TFUc::viewDataRequest(1, {}, {customFilter(QStringLiteral("F"), QStringLiteral("="), {1})},
-                                 TFPaging{}).body
-        << QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
+    // A filter without values or without a field is dropped before it is inserted: no condition, no log line.
+    QTest::newRow("filters without values or field dropped")
+        << TFUc::viewDataRequest(1, {}, {customFilter("F", "==", {}), customFilter(QString(), "==", {1})}, TFPaging{})
+        << subject << QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j");
     QTest::newRow("two filters joined")
-        << TFUc::viewDataRequest(1, {},
-                                 {customFilter(QStringLiteral("A"), QStringLiteral(">="), {QStringLiteral("x")},
-                                               QStringLiteral("A_0")),
-                                  customFilter(QStringLiteral("A"), QStringLiteral("<="), {QStringLiteral("y")},
-                                               QStringLiteral("A_1"))},
-                                 TFPaging{}).body
+        << TFUc::viewDataRequest(1, {}, {customFilter("A", ">=", {"x"}, "A_0"), customFilter("A", "<=", {"y"}, "A_1")},
+                                 TFPaging{}) << subject
         << QByteArray("{" + kAuth + R"j(,"filter":"(A >= :A_0) && (A <= :A_1)",)j"
                       R"j("filterParams":{"A_0":"x","A_1":"y"},"flag":1,"obj_vw_id":1})j");
 }
 
 void tst_TFUc::requestBodies()
 {
-    QFETCH(QByteArray, body);
+    QFETCH(TFUc::TFRequestContent, content);
+    QFETCH(QString, path);
     QFETCH(QByteArray, expected);
-    QCOMPARE(body, expected);
-}
-
-void tst_TFUc::endpoints_data()
-{
-    QTest::addColumn<QUrl>("url");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("navigation") << TFUc::navigationRowsRequest(2).url << "http://127.0.0.1:8080/bas/ds/data";
-    QTest::newRow("block") << TFUc::blockRowsRequest(10).url << "http://127.0.0.1:8080/bas/ds/data";
-    QTest::newRow("constants") << TFUc::constantsRequest().url << "http://127.0.0.1:8080/bas/ds/data";
-    QTest::newRow("configuration") << TFUc::viewConfigRequest(1, {}, {}).url
-                                   << "http://127.0.0.1:8080/bas/subject/data";
-    QTest::newRow("data") << TFUc::viewDataRequest(1, {}, {}, {}).url << "http://127.0.0.1:8080/bas/subject/data";
-    QTest::newRow("whole") << TFUc::wholeDataSetRequest(1, {}, {}).url << "http://127.0.0.1:8080/bas/subject/data";
-}
-
-void tst_TFUc::endpoints()
-{
-    QFETCH(QUrl, url);
-    QFETCH(QString, expected);
-    QCOMPARE(url.toString(), expected);
+    QCOMPARE(content.body, expected);
+    QCOMPARE(content.url.toString(), QStringLiteral("http://127.0.0.1:8080") + path);
 }
 
 void tst_TFUc::emptyBaseUrlLeavesThePath()
@@ -245,30 +222,16 @@ void tst_TFUc::insertFilter()
     QCOMPARE(compact(content), expected);
 }
 
-void tst_TFUc::droppedFiltersAreSilent()
-{
-    // A filter without values or without a field is dropped before insertFilter: no log line.
-    const FilterParam::CustomFilter noValues = customFilter(QStringLiteral("F"), QStringLiteral("=="), {});
-    const FilterParam::CustomFilter noField = customFilter(QString(), QStringLiteral("=="), {1});
-    static int warnings = 0;
-    warnings = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext &, const QString &) {
-            if (type != QtDebugMsg && type != QtInfoMsg)
-                ++warnings;
-        });
-    const QByteArray body = TFUc::viewDataRequest(1, {}, {noValues, noField}, TFUc::TFPaging{}).body;
-    qInstallMessageHandler(previous);
-    QCOMPARE(warnings, 0);
-    QCOMPARE(body, QByteArray("{" + kAuth + R"j(,"flag":1,"obj_vw_id":1})j"));
-}
-
 void tst_TFUc::viewProperties_data()
 {
     QTest::addColumn<QByteArray>("rows");
     QTest::addColumn<QString>("field");
     QTest::addColumn<QVariant>("expected");
 
+    const QVariantMap defaults{{"isPaged", true}, {"isShowFilter", true}, {"IsCross", false}, {"pageSize", 200.0},
+                               {"VGridColumnWidth", 200.0}, {"FrozenCount", 0.0}, {"BandsLevel", 1.0}};
+    for (auto it = defaults.cbegin(); it != defaults.cend(); ++it)
+        QTest::addRow("default %s", qPrintable(it.key())) << QByteArray("[]") << it.key() << it.value();
     QTest::newRow("flag 1 is true") << QByteArray(R"j([{"prop_name":"IsCross","prop_val":"1"}])j") << "IsCross"
                                     << QVariant(true);
     QTest::newRow("flag 'true' is false") << QByteArray(R"j([{"prop_name":"IsCross","prop_val":"true"}])j")
@@ -315,22 +278,10 @@ void tst_TFUc::viewProperties()
         {"IsCross", p.IsCross}, {"isPaged", p.isPaged}, {"IsOrder", p.IsOrder}, {"isShowBlock", p.isShowBlock},
         {"pageSize", p.pageSize}, {"FrozenCount", p.FrozenCount}, {"ObjViewType", p.ObjViewType},
         {"MaxColumnWith", p.MaxColumnWith}, {"childView", p.childView}, {"WebPageURL", p.WebPageURL},
+        {"isShowFilter", p.isShowFilter}, {"VGridColumnWidth", p.VGridColumnWidth}, {"BandsLevel", p.BandsLevel},
     };
     QVERIFY2(fields.contains(field), qPrintable(field));
     QCOMPARE(fields.value(field), expected);
-}
-
-void tst_TFUc::viewPropertyDefaults()
-{
-    const TFUc::TFViewProperties p = TFUc::readViewProperties(QJsonArray());
-    QCOMPARE(p.isPaged, true);
-    QCOMPARE(p.isShowFilter, true);
-    QCOMPARE(p.IsCross, false);
-    QCOMPARE(p.pageSize, 200.0);
-    QCOMPARE(p.VGridColumnWidth, 200.0);
-    QCOMPARE(p.FrozenCount, 0.0);
-    QCOMPARE(p.BandsLevel, 1.0);
-    QVERIFY(p.ObjViewType.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_TFUc)
