@@ -282,20 +282,9 @@ void tst_SubjectService::viewRows_data()
     row("block list", R"j({"filterBlock":[1001]})j", -1, "", "IND_NAME", "银行");
     row("empty block list", R"j({"filterBlock":[]})j", 200, "rcount=2000");
     row("undeclared keys ignored", R"j({"IsStat":1,"x; DROP TABLE stock":"1"})j", 200, "rcount=2000");
-    row("bar default: date edit", R"j({"obj_vw_id":7580,"filter":"(START_DATE >= :START_DATE_0)",
-        "filterParams":{"START_DATE_0":"[2024-01-01 23:59:59]"}})j", -1, "");
-    row("bar default: date-time interval of one day", R"j({"obj_vw_id":47810,
-        "filter":"(TRADE_DATE >= :TRADE_DATE_0) && (TRADE_DATE <= :TRADE_DATE_1)",
-        "filterParams":{"TRADE_DATE_0":"[2024-12-31 00:00:00]","TRADE_DATE_1":"[2024-12-31 23:59:59]"}})j", -1, "");
     row("bar default: date-time interval up to today", R"j({"obj_vw_id":47820,
         "filter":"(TRADE_DATE >= :TRADE_DATE_0) && (TRADE_DATE <= :TRADE_DATE_1)",
         "filterParams":{"TRADE_DATE_0":"[2024-12-01 00:00:00]","TRADE_DATE_1":"[%TODAY% 23:59:59]"}})j", -1, "");
-    row("bar default: decimal interval", R"j({"obj_vw_id":266,"filter":"(PE >= :PE_0) && (PE <= :PE_1)",
-        "filterParams":{"PE_0":0,"PE_1":30}})j", -1, "");
-    row("bar default: text edit", R"j({"obj_vw_id":266,"filter":"(SECU_CODE like :SECU_CODE_0)",
-        "filterParams":{"SECU_CODE_0":"6000"}})j", -1, "");
-    row("bar default: hidden F9 security", R"j({"obj_vw_id":1641,"filter":"(secu_id == :secu_id_0)",
-        "filterParams":{"secu_id_0":100000}})j", -1, "");
     row("bar default: virtual control as a data-source key", R"j({"obj_vw_id":47811,"CMD_CODE":"AU"})j", -1, "");
 }
 
@@ -573,8 +562,9 @@ void tst_SubjectService::everyView_data()
         QTest::newRow(qPrintable(QString::number(id))) << id;
 }
 
-// Every view of the catalogue, under each flag: a well-formed document, a page,
-// and the whole set with a cross view's columns.
+// Every view of the catalogue, under each flag: a document of five tables, a
+// page, and the whole set with a cross view's columns. What the plug-in reads
+// from each view's configuration is compared with the view's file elsewhere.
 void tst_SubjectService::everyView()
 {
     QFETCH(qint64, view);
@@ -587,40 +577,11 @@ void tst_SubjectService::everyView()
     for (const char *table : {"Data", "View_Config", "Object_View_Config", "Summary", "Object_View"})
         QVERIFY2(document.value(QLatin1String(table)).isArray(), table);
     QString viewType;
-    QStringList bandNames{"0", ""};
-    QStringList leafFields;
     for (const QJsonValue &value : document.value("View_Config").toArray()) {
-        const QJsonObject row = value.toObject();
-        const QString name = row.value("prop_name").toString();
-        QVERIFY(qint64(row.value("obj_vw_id").toDouble()) == view && !name.isEmpty());
-        if (name == "ObjViewType")
-            viewType = row.value("prop_val").toString();
-        QVERIFY2(name == "isShowFilter" ? row.value("prop_val").isBool() : row.value("prop_val").isString(), qPrintable(name));
-        if (row.value("prop_typ").toString() != "EXTEND")
-            continue;
-        const QJsonValue content = parseText(row.value("ext_prop_val"));
-        QVERIFY2(name == "ChartViewConfig" ? !content.toObject().value("ChartDataConfigs").toArray().isEmpty()
-                                           : content.isArray() && !content.toArray().isEmpty(),
-                 qPrintable(name));
-        for (const QJsonValue &b : content.toArray()) {
-            const QJsonObject o = b.toObject();
-            QVERIFY(name != "filters" || !o.value("ClassName").toString().isEmpty());
-            if (name != "Bands")
-                continue;
-            QVERIFY2(bandNames.contains(o.value("OwnerBand").toString()), "a band named before it is defined");
-            (o.value("ColumnType").toString() == "Band" ? bandNames : leafFields) << o.value("FieldName").toString();
-        }
+        if (value.toObject().value("prop_name").toString() == "ObjViewType")
+            viewType = value.toObject().value("prop_val").toString();
     }
     QCOMPARE(viewType, QString(definition->isChart() ? "ViewDataChart" : "ViewDataGrid"));
-    QCOMPARE(!leafFields.isEmpty(), !definition->columns.isEmpty());
-
-    QSet<QString> configured;
-    for (const QJsonValue &value : document.value("Object_View_Config").toArray()) {
-        QVERIFY(parseText(value.toObject().value("ots_cfg")).isObject());
-        configured << value.toObject().value("obj_prop_name").toString();
-    }
-    for (const QString &leaf : qAsConst(leafFields))
-        QVERIFY2(configured.contains(leaf), qPrintable(leaf));
 
     // Every row carries what the columns and the chart read.
     QStringList fields = definition->sourceFields();
