@@ -96,9 +96,6 @@ void tst_TFJsonParserConfig::answers_data()
         << "tables=1,3,4,7,12;rowCount=0;pageIndex=0;pageSize=200;view[()]";
     QTest::newRow("members of the wrong type still make tables") << R"({"Data":"x","View_Config":3,"Summary":null})"
                                                                  << "tables=1,4,7;rowCount=0;pageIndex=0;pageSize=200;view[()]";
-    QTest::newRow("summary without rcount") << R"({"Summary":[{"Item":"pindex","value":2}]})"
-                                            << "tables=7;rowCount=0;pageIndex=2;pageSize=200";
-    QTest::newRow("summary not an array") << R"({"Summary":{}})" << "tables=7;rowCount=0;pageIndex=0;pageSize=200";
     QTest::newRow("all figures")
         << R"({"Summary":[{"Item":"rcount","value":4321},{"Item":"pindex","value":3},{"Item":"psize","value":100}]})"
         << "tables=7;rowCount=4321;pageIndex=3;pageSize=100";
