@@ -297,10 +297,6 @@ void tst_SubjectService::viewRows_data()
     row("configuration still filters by its own", R"j({"flag":0,"filter":"(YM >= :YM_0) && (MKT == :MKT_0)",
         "filterParams":{"YM_0":"'2024-1'","MKT_0":"no such market"}})j", 0, "rcount=0");
     row("report date as text", R"j({"obj_vw_id":264,"REPORT_DATE":"2024-09-30"})j", 200, "rcount=2000", "END_DATE", "2024-09-30");
-    row("report date as service date", R"j({"obj_vw_id":264,"REPORT_DATE":"/Date(1719676800000+0800)"})j", 200,
-        "rcount=2000", "END_DATE", "2024-06-30");
-    row("report date in brackets", R"j({"obj_vw_id":264,"REPORT_DATE":"[2023-12-31]"})j", 200, "rcount=2000",
-        "END_DATE", "2023-12-31");
     row("security of a child chart", R"j({"obj_vw_id":262,"SECU_ID":100007})j", 30, "rcount=30");
     row("empty keywords do not filter", R"j({"keywords":""})j", 200, "rcount=2000");
     row("block list", R"j({"filterBlock":[1001]})j", -1, "", "IND_NAME", "银行");
