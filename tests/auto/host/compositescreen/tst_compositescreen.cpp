@@ -107,7 +107,6 @@ void tst_CompositeScreen::badDocuments_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<int>("failure");
     QTest::addColumn<QString>("message");
-    QTest::newRow("not JSON") << QByteArray("{components") << int(CompositeScreen::BadDocument) << "not a JSON object";
     QTest::newRow("array") << QByteArray("[]") << int(CompositeScreen::BadDocument) << "not a JSON object";
     QTest::newRow("no components") << QByteArray("{}") << int(CompositeScreen::BadDocument) << "components";
     QTest::newRow("empty components") << QByteArray(R"({"components": []})") << int(CompositeScreen::BadDocument) << "components";

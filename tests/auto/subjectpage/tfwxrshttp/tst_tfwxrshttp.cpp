@@ -186,8 +186,7 @@ void tst_TFWXRSHttp::post()
         return;
     const RecordedRequest request = server.requests().first();
     QCOMPARE(request.method + ' ' + request.target + ' ' + request.body, "POST /bas/ds/data " + body);
-    QCOMPARE(request.header("Content-Type") + ' ' + request.header("kvt-token") + request.header("userId") + request.header("prodId"),
-             QByteArray("application/json t1u1p1"));
+    QCOMPARE(request.header("Content-Type") + ' ' + request.header("kvt-token"), QByteArray("application/json t1"));
     QVERIFY(!request.hasHeader("kvt-format") && !request.hasHeader("kvt-language"));
 }
 

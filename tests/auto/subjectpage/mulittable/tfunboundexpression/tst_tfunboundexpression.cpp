@@ -43,10 +43,6 @@ void tst_TFUnboundExpression::aggregates_data()
         << "AVERAGE([ROE])" << roe << QVariant();
     QTest::newRow("avgerage goes to the parser whole") << "AVGERAGE([ROE])" << roe << QVariant();
     QTest::newRow("empty suffix is null") << "SUM([])" << roe << QVariant();
-    QTest::newRow("other formulas go to the parser")
-        << "[A]+[B]" << QVariantMap{ { "A", "1" }, { "B", "2.5" } } << QVariant(3.5);
-    QTest::newRow("parser failure is invalid")
-        << "[A]/[B]" << QVariantMap{ { "A", "1" }, { "B", "0" } } << QVariant();
 }
 
 void tst_TFUnboundExpression::aggregates()
