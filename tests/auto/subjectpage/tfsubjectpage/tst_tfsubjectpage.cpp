@@ -210,7 +210,11 @@ void tst_TFSubjectPage::skinColoursReachTheCommonValues()
     // properties at the first polish, so the first sheet the page gets counts.
     const QString sheet = QStringLiteral("TFSubjectPage { qproperty-headerBorderColor: #102030;"
                                          " qproperty-headerSplitColor: #405060; qproperty-highlightColor: #708090; }");
+    // No skin of the build folder may polish the page before the test's sheet.
+    QTemporaryDir noSkins;
+    TFCore::instance()->setSkinsRoot(noSkins.path());
     TFSubjectPage page;
+    TFCore::instance()->setSkinsRoot(QString());
     page.applySkinStyle(sheet);
     page.applySkinStyle(QVariant()); // no sheet: the last one stays
     QCOMPARE(page.styleSheet(), sheet);
