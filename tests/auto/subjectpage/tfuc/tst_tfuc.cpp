@@ -76,6 +76,14 @@ void tst_TFUc::requestBodies_data()
         << TFUc::blockRowsRequest(10) << ds
         << QByteArray("{" + kAuth + R"j(,"filter":"(SECU_TYP_CODE == :SECU_TYP_CODE)",)j"
                       R"j("filterParams":{"SECU_TYP_CODE":10},"objId":43})j");
+    // A list control's body carries no "auth"; parameters that are not a JSON
+    // object go as an empty object.
+    QTest::newRow("list, filter and parameters")
+        << TFUc::listRequest(QStringLiteral("CITY_LIST"), QStringLiteral("(NAME like :N)"), QStringLiteral(R"({"N":"%江%"})"))
+        << ds << QByteArray(R"j({"filter":"(NAME like :N)","filterParams":{"N":"%江%"},"objName":"CITY_LIST"})j");
+    QTest::newRow("list, parameters not an object")
+        << TFUc::listRequest(QStringLiteral("CITY_LIST"), QString(), QStringLiteral("[1]")) << ds
+        << QByteArray(R"j({"filter":"","filterParams":{},"objName":"CITY_LIST"})j");
     QTest::newRow("constants table")
         << TFUc::constantsRequest() << ds << QByteArray("{" + kAuth + R"j(,"objId":390})j");
     QTest::newRow("view configuration")
