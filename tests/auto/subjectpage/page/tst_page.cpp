@@ -33,6 +33,8 @@
 #include <QTreeView>
 #include <QtTest>
 
+#include <memory>
+
 #include "webenginetestmain.h"
 
 namespace {
@@ -382,13 +384,13 @@ void tst_Page::chartTabGetsTheRowData()
     const QList<double> closes = daily->dataSource()->series().at(0).values;
     right()->tabWidget()->setCurrentWidget(daily);
     auto seriesOnPage = [daily]() {
-        QVariant result;
-        bool done = false;
+        // The answer may come after the wait gives up: it must not land on this frame.
+        auto result = std::make_shared<QVariant>();
         daily->webView()->page()->runJavaScript(
             QStringLiteral("typeof option === 'object' ? option.series.map(function (s) { return s.type; }).join(',') : ''"),
-            [&](const QVariant &value) { result = value; done = true; });
-        QTest::qWaitFor([&] { return done; }, 5000);
-        return result.toString();
+            [result](const QVariant &value) { *result = value.isValid() ? value : QVariant(QString()); });
+        QTest::qWaitFor([result] { return result->isValid(); }, 5000);
+        return result->toString();
     };
     QTRY_COMPARE_WITH_TIMEOUT(seriesOnPage(), QStringLiteral("line,bar"), kTimeout);
     emit mainTable()->sigRowData(rowOf(mainTable(), 1), true);

@@ -102,15 +102,16 @@ void tst_TFMultiCharts::cleanup()
 
 QVariant tst_TFMultiCharts::evaluate(const QString &script, TFMultiCharts *chart)
 {
-    QVariant result;
-    bool done = false;
-    (chart ? chart : m_chart.get())->webView()->page()->runJavaScript(script, [&](const QVariant &value) {
-        result = value;
-        done = true;
+    // An answer that comes after the wait gives up must not land on this frame.
+    struct Answer { QVariant value; bool done = false; };
+    auto answer = std::make_shared<Answer>();
+    (chart ? chart : m_chart.get())->webView()->page()->runJavaScript(script, [answer](const QVariant &value) {
+        answer->value = value;
+        answer->done = true;
     });
-    if (!QTest::qWaitFor([&] { return done; }, 10000))
+    if (!QTest::qWaitFor([answer] { return answer->done; }, 10000))
         return QStringLiteral("no answer from the page");
-    return result;
+    return answer->value;
 }
 
 bool tst_TFMultiCharts::draw(qint64 viewId, const QJsonArray &rows)
