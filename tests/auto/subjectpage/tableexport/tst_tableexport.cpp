@@ -148,7 +148,15 @@ void tst_TableExport::answerDialogs(QStringList answers)
             m_seen << QStringLiteral("file|%1|%2|%3").arg(modal->windowTitle(), files->nameFilters().join(';'),
                 QDir(files->directory()).filePath(files->selectedFiles().value(0).section('/', -1)));
             if (answer.startsWith(QLatin1String("choose "))) {
-                files->selectFile(answer.mid(7));
+                // The dialog lists its folder on a thread of its own and may put
+                // the proposed name back once the listing arrives: choose until
+                // the choice holds across a round of events.
+                const QString chosen = answer.mid(7);
+                QTest::qWaitFor([files, chosen]() {
+                    files->selectFile(chosen);
+                    QCoreApplication::processEvents();
+                    return files->selectedFiles().value(0) == chosen;
+                }, 5000);
                 return modal->done(QDialog::Accepted);   // past the dialog's own checks, as a native one answers
             }
         } else if (auto *box = qobject_cast<QMessageBox *>(modal)) {
