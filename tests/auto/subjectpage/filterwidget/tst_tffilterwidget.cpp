@@ -1,6 +1,7 @@
 #include "filterwidget/tfbasefilterwidget.h"
 #include "filterwidget/tffilterwidget.h"
 #include "jsonparser/tffilterjsontable.h"
+#include "../shared/stubview.h"
 #include "tfbaseview.h"
 #include "tfframesubjectzhp.h"
 #include "tfsubjectmainframe.h"
@@ -62,21 +63,7 @@ QString finalFilterOf(TFFilterWidget &bar)
 }
 
 // A child view as far as its filters go: its rows are what the test gives.
-class ChildView : public TFBaseView
-{
-public:
-    QList<TFTableModelData::FilterData> rows;
-
-    void clear() override {}
-    bool parseConfig(const QJsonValue &, bool) override { return true; }
-    bool handleResponse(const QJsonValue &, const QString &, int) override { return true; }
-    bool isDataSourceFilter(const QString &) override { return false; }
-    void setFilterArgs(QMap<QString, QVariant>) override {}
-    QList<FilterParam::Cntrl> getCntrls() override { return {}; }
-    QList<TFTableModelData::FilterData> filterList() override { return rows; }
-    QString caption() override { return QString(); }
-    bool isCross() override { return false; }
-};
+using ChildView = StubView;
 
 } // namespace
 

@@ -1,25 +1,15 @@
-#include "tfbaseview.h"
+#include "../shared/stubview.h"
 
 #include <QtTest>
 
 namespace {
 
-// The smallest view: its filter rows and order are what the test gives.
-class View : public TFBaseView
+// A view whose order is what the test gives.
+class View : public StubView
 {
 public:
-    QList<TFTableModelData::FilterData> rows;
     FilterParam::DataSourceFilter orderPair;
 
-    void clear() override {}
-    bool parseConfig(const QJsonValue &, bool) override { return true; }
-    bool handleResponse(const QJsonValue &, const QString &, int) override { return true; }
-    bool isDataSourceFilter(const QString &) override { return false; }
-    void setFilterArgs(QMap<QString, QVariant>) override {}
-    QList<FilterParam::Cntrl> getCntrls() override { return {}; }
-    QList<TFTableModelData::FilterData> filterList() override { return rows; }
-    QString caption() override { return QString(); }
-    bool isCross() override { return false; }
     FilterParam::DataSourceFilter order() override { return orderPair; }
 };
 
